@@ -1,0 +1,36 @@
+#include "app/TWAppDelegate.h"
+#include "app/TWLaunchProbe.h"
+#include "editor/TWEditWindowController.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWUnixSignals.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("Tagwright"));
+    QApplication::setApplicationName(QStringLiteral("Tagwright"));
+    QApplication::setApplicationVersion(QStringLiteral("1.4b3"));
+    QApplication::setDesktopFileName(QStringLiteral("tagwright"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Write HTML and watch it render as you type."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Files to open."), QStringLiteral("[files...]"));
+    parser.process(application);
+
+    TWInstallTranslations(&application);
+    TWQuitOnTerminationSignals(&application);
+
+    TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
+    delegate->applicationWillFinishLaunching();
+    for (const QString &path : parser.positionalArguments())
+        delegate->applicationOpenFile(QFileInfo(path).absoluteFilePath());
+    delegate->applicationDidFinishLaunching();
+    TWReportLaunchTimeOnFirstPaint(TWEditWindowController::sharedEditWindowController());
+    return application.exec();
+}

@@ -1,0 +1,206 @@
+#include "editor/TWEditWindowController.h"
+
+#include "app/TWAppDelegate.h"
+#include "app/TWFileExtensions.h"
+#include "app/TWStateKeys.h"
+#include "app/TWWindowState.h"
+#include "editor/TWEditorTextView.h"
+#include "platform/TWFlag.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWPanels.h"
+#include "platform/TWTextKeys.h"
+#include "preferences/TWPreferences.h"
+#include "preview/TWPreview.h"
+#include "ui_TWEditWindow.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QUrl>
+
+namespace {
+
+TWEditWindowController *sharedInstance = nullptr;
+
+constexpr char titleWithFile[] = "HTML:%1";
+constexpr char titleWithoutFile[] = "HTML:> %1 <";
+constexpr char defaultPageResource[] = ":/defaultPage.txt";
+
+} // namespace
+
+TWEditWindowController *TWEditWindowController::sharedEditWindowController()
+{
+    if (!sharedInstance)
+        sharedInstance = new TWEditWindowController();
+    return sharedInstance;
+}
+
+TWEditWindowController::TWEditWindowController()
+    : ui(new Ui::TWEditWindow)
+{
+    ui->setupUi(this);
+    htmlText = ui->htmlText;
+    TWAppDelegate::sharedAppDelegate()->populateMenuBar(menuBar());
+    awakeFromNib();
+}
+
+TWEditWindowController::~TWEditWindowController()
+{
+    if (sharedInstance == this)
+        sharedInstance = nullptr;
+    delete ui;
+}
+
+void TWEditWindowController::awakeFromNib()
+{
+    QPalette palette = htmlText->palette();
+    palette.setColor(QPalette::Text, Qt::black);
+    htmlText->setPalette(palette);
+    // The window itself is not opaque, so that a background colour with an opacity below
+    // 100 % lets the desktop show through the text.
+    setAttribute(Qt::WA_TranslucentBackground);
+    const TWPreferences *preferences = TWPreferences::sharedPref();
+    changeBGColor(preferences->editorBGColorWithAlpha());
+    htmlText->setFont(preferences->editorFont());
+    htmlText->setAutoRenderEnabled(true);
+    TWWindowState::setFrameUsingName(this, TWFrameName::editorWindow);
+
+    const std::optional<QVariantMap> defaults = TWWindowState::readDefaults(TWWindowDefaultsKey::editorWindow);
+    if (!defaults) {
+        loadDefaultPage();
+        setHTMLFilename(QString());
+        htmlText->setAutoIndentation(false);
+        return;
+    }
+    if (const std::optional<QString> text = TWWindowState::stringEntry(*defaults, TWStateEntry::htmlText))
+        loadHTML(*text);
+    else
+        loadDefaultPage();
+    setHTMLFilename(TWWindowState::stringEntry(*defaults, TWStateEntry::htmlFilename).value_or(QString()));
+    htmlText->setAutoIndentation(TWFlag::isYes(defaults->value(QLatin1String(TWStateEntry::autoIndentation))));
+}
+
+QString TWEditWindowController::titleForFilename(const QString &path)
+{
+    if (path.isEmpty())
+        return QString::fromLatin1(titleWithoutFile).arg(TWLocalizedString(TWTextKey::fileUnspecified));
+    return QString::fromLatin1(titleWithFile).arg(QFileInfo(path).fileName());
+}
+
+void TWEditWindowController::setHTMLFilename(const QString &path)
+{
+    htmlFilenameValue = path;
+    setWindowTitle(titleForFilename(path));
+}
+
+QString TWEditWindowController::getText() const
+{
+    return htmlText->string();
+}
+
+void TWEditWindowController::loadHTML(const QString &text)
+{
+    htmlText->setString(text);
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderIfAutorender(nullptr);
+}
+
+void TWEditWindowController::loadDefaultPage()
+{
+    const QString resource = QLatin1String(defaultPageResource);
+    // The page is plain ASCII, so that it reads the same in every encoding.
+    const QString page = QFile::exists(resource) ? htmlText->loadTextFromFile(resource)
+                                                 : TWLocalizedString(TWTextKey::defaultPageWasLost);
+    htmlText->setString(page);
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderIfAutorender(nullptr);
+}
+
+void TWEditWindowController::clearHTML()
+{
+    loadHTML(QString());
+    setHTMLFilename(QString());
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->setBaseURLWithString(TWPreferences::sharedPref()->defaultBaseURL());
+}
+
+bool TWEditWindowController::openHTMLFile(const QString &path)
+{
+    bool decoded = false;
+    const QString text = htmlText->loadTextFromFile(path, &decoded);
+    // A file that cannot be read or decoded changes nothing: keeping the old file name means
+    // that a later Save cannot write the old text over the file that failed to open.
+    if (!decoded)
+        return true;
+    setHTMLFilename(path);
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->setBaseURL(QUrl::fromLocalFile(path));
+    loadHTML(text);
+    return true;
+}
+
+void TWEditWindowController::saveHTML()
+{
+    if (!htmlFilenameValue.isEmpty())
+        saveHTMLFileAs(htmlFilenameValue);
+    else
+        saveDocumentAs();
+}
+
+void TWEditWindowController::saveHTMLFileAs(const QString &path)
+{
+    htmlText->saveText(getText(), path);
+    setHTMLFilename(path);
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->setBaseURL(QUrl::fromLocalFile(path));
+}
+
+void TWEditWindowController::saveDocumentAs()
+{
+    const QString proposed = htmlFilenameValue.isEmpty() ? QString() : QFileInfo(htmlFilenameValue).fileName();
+    const std::optional<QString> path = TWPanels::runSavePanel(
+        this, proposed, {QLatin1String(TWExtension::html), QLatin1String(TWExtension::htm)});
+    if (path)
+        saveHTMLFileAs(*path);
+}
+
+void TWEditWindowController::toggleAutoIndentation()
+{
+    htmlText->toggleAutoIndentation();
+}
+
+void TWEditWindowController::changeFont(const QFont &font)
+{
+    htmlText->setFont(font);
+    update();
+}
+
+void TWEditWindowController::changeBGColor(const QColor &color)
+{
+    QPalette palette = htmlText->palette();
+    palette.setColor(QPalette::Base, color);
+    htmlText->setPalette(palette);
+    update();
+}
+
+void TWEditWindowController::openWindowAtAppLaunch()
+{
+    show();
+}
+
+void TWEditWindowController::loadTextAtAppLaunch()
+{
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderNow();
+    show();
+}
+
+void TWEditWindowController::saveWindowProperties() const
+{
+    TWWindowState::saveFrameUsingName(this, TWFrameName::editorWindow);
+    QVariantMap defaults;
+    defaults.insert(QLatin1String(TWStateEntry::htmlText), getText());
+    defaults.insert(QLatin1String(TWStateEntry::htmlFilename), htmlFilenameValue);
+    defaults.insert(QLatin1String(TWStateEntry::autoIndentation), TWFlag::string(htmlText->autoIndentation()));
+    TWWindowState::writeDefaults(TWWindowDefaultsKey::editorWindow, defaults);
+}

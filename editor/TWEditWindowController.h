@@ -1,0 +1,61 @@
+#pragma once
+
+#include "app/TWDocumentWindow.h"
+
+#include <QMainWindow>
+#include <QString>
+
+namespace Ui {
+class TWEditWindow;
+}
+class TWEditorTextView;
+
+// The HTML document window: the one HTML document the user is writing, with the name of
+// its file. New and open replace the text without asking; the text survives a restart
+// through the window defaults.
+class TWEditWindowController : public QMainWindow, public TWDocumentWindow
+{
+    Q_OBJECT
+public:
+    static TWEditWindowController *sharedEditWindowController();
+    ~TWEditWindowController() override;
+
+    TWEditorTextView *textView() const { return htmlText; }
+    TWEditorTextView *activeTextView() const override { return htmlText; }
+
+    const QString &htmlFilename() const { return htmlFilenameValue; }
+    void setHTMLFilename(const QString &path);
+    QString getText() const;
+
+    // Replaces the whole text, recolours it and renders when due.
+    void loadHTML(const QString &text);
+    void loadDefaultPage();
+    void clearHTML();
+    // Always answers true; an unreadable or undecodable file beeps and changes nothing.
+    bool openHTMLFile(const QString &path);
+    void saveHTML();
+    void saveHTMLFileAs(const QString &path);
+
+    void newDocument() override { clearHTML(); }
+    void saveDocument() override { saveHTML(); }
+    void saveDocumentAs() override;
+
+    void toggleAutoIndentation();
+    void changeFont(const QFont &font);
+    void changeBGColor(const QColor &color);
+
+    void openWindowAtAppLaunch();
+    void loadTextAtAppLaunch();
+    void saveWindowProperties() const;
+
+    // The window title for a file name ("" for a document without a file).
+    static QString titleForFilename(const QString &path);
+
+private:
+    TWEditWindowController();
+    void awakeFromNib();
+
+    Ui::TWEditWindow *ui;
+    TWEditorTextView *htmlText;
+    QString htmlFilenameValue;
+};

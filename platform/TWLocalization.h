@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+class QCoreApplication;
+
+// The localised text of a key of the string table "custom"; the key itself when the
+// table has no text for it.
+QString TWLocalizedString(const char *key);
+
+// Loads the string table for the user's language, with English underneath it so that
+// every key has a text. Answers false when not even the English table could be loaded.
+bool TWInstallTranslations(QCoreApplication *application);

@@ -1,0 +1,136 @@
+// The application's launch and quit: the application defaults record, the launching flag,
+// files handed over at launch, and everything saved at quit.
+#include "app/TWAppDelegate.h"
+
+#include "TWRecordingPreview.h"
+#include "app/TWStateKeys.h"
+#include "editor/TWEditWindowController.h"
+#include "platform/TWUserDefaults.h"
+#include "platform/TWXMLPropertyList.h"
+#include "preferences/TWPreferences.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QVariantMap record(const QVariant &projectFilename)
+{
+    QVariantMap map;
+    if (projectFilename.isValid())
+        map.insert(QLatin1String(TWAppDefaultsKey::projectFilename), projectFilename);
+    return map;
+}
+
+// The store as written to disk, read back as a whole.
+QVariantMap storeOnDisk()
+{
+    QFile file(TWUserDefaults::standardUserDefaults()->fileName());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return TWXMLPropertyList::read(file.readAll()).value_or(QVariant()).toMap();
+}
+
+} // namespace
+
+class tst_TWAppDelegate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void projectFilenameComesFromTheRightRecord_data()
+    {
+        QTest::addColumn<QVariant>("legacy");
+        QTest::addColumn<QVariant>("current");
+        QTest::addColumn<QString>("expected");
+        const QVariant none;
+        QTest::newRow("no record") << none << none << QString();
+        QTest::newRow("current only") << none << QVariant(record(QStringLiteral("/p/new.twproj")))
+                                      << QStringLiteral("/p/new.twproj");
+        QTest::newRow("legacy only") << QVariant(record(QStringLiteral("/p/old.twproj"))) << none
+                                     << QStringLiteral("/p/old.twproj");
+        QTest::newRow("both: legacy wins")
+            << QVariant(record(QStringLiteral("/p/old.twproj"))) << QVariant(record(QStringLiteral("/p/new.twproj")))
+            << QStringLiteral("/p/old.twproj");
+        QTest::newRow("legacy without a name still wins")
+            << QVariant(record(QVariant())) << QVariant(record(QStringLiteral("/p/new.twproj"))) << QString();
+        QTest::newRow("name of another type") << none << QVariant(record(42)) << QString();
+    }
+
+    void projectFilenameComesFromTheRightRecord()
+    {
+        QFETCH(QVariant, legacy);
+        QFETCH(QVariant, current);
+        QFETCH(QString, expected);
+        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::legacyRecord));
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::record));
+        if (legacy.isValid())
+            store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
+        if (current.isValid())
+            store->setObject(current, QLatin1String(TWAppDefaultsKey::record));
+
+        delete TWAppDelegate::sharedAppDelegate();
+        QCOMPARE(TWAppDelegate::sharedAppDelegate()->projectFilename(), expected);
+    }
+
+    void launchOpensFilesAndShowsTheWindowOnce()
+    {
+        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::legacyRecord));
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::record));
+        TWRecordingPreview viewer;
+        viewer.install();
+        QTemporaryDir dir;
+        const QString page = dir.filePath(QStringLiteral("handed.html"));
+        {
+            QFile file(page);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("<p>handed over</p>\n");
+        }
+
+        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
+        QVERIFY(delegate->isLaunching());
+        delegate->applicationWillFinishLaunching();
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        QVERIFY(!window->isVisible());
+        QVERIFY(delegate->applicationOpenFile(page));
+        QCOMPARE(window->getText(), QStringLiteral("<p>handed over</p>\n"));
+        QCOMPARE(window->htmlFilename(), page);
+        QCOMPARE(viewer.renderNowCount, 0);
+        QVERIFY(delegate->isLaunching());
+
+        delegate->applicationDidFinishLaunching();
+        QVERIFY(!delegate->isLaunching());
+        QVERIFY(window->isVisible());
+        QCOMPARE(viewer.renderNowCount, 1);
+    }
+
+    void quitSavesPreferencesRecordAndWindow()
+    {
+        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+        const QVariantMap legacy = record(QStringLiteral("/p/legacy.twproj"));
+        store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
+        store->setObject(QStringLiteral("0.1"), QStringLiteral("Application Version"));
+        store->synchronize();
+
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->loadHTML(QStringLiteral("<p>typed before quitting</p>"));
+        TWAppDelegate::sharedAppDelegate()->applicationWillTerminate();
+
+        const QVariantMap disk = storeOnDisk();
+        QCOMPARE(disk.value(QStringLiteral("Application Version")).toString(), QStringLiteral("1.4b3"));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap(),
+                 record(TWAppDelegate::sharedAppDelegate()->projectFilename()));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)).toMap(), legacy);
+        const QVariantMap editor = disk.value(QLatin1String(TWWindowDefaultsKey::editorWindow)).toMap();
+        QCOMPARE(editor.value(QLatin1String(TWStateEntry::htmlText)).toString(),
+                 QStringLiteral("<p>typed before quitting</p>"));
+        QVERIFY(editor.contains(QLatin1String(TWStateEntry::htmlFilename)));
+        QCOMPARE(editor.value(QLatin1String(TWStateEntry::autoIndentation)).toString(), QStringLiteral("NO"));
+    }
+};
+
+QTEST_MAIN(tst_TWAppDelegate)
+#include "tst_TWAppDelegate.moc"

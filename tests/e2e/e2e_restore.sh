@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# The real app under Xvfb: type a line, quit with SIGTERM, start again, find the line
+# restored (and the window titled by the file handed over on the command line).
+set -euo pipefail
+APP=$(realpath "$1")
+source "$(dirname "$0")/lib.sh"
+e2e_setup
+SHOTS="${E2E_SCREENSHOT_DIR:-$(dirname "$APP")/screenshots}"
+
+# First launch: the default page.
+e2e_start "$APP"
+title=$(xdotool getwindowname "$E2E_WINDOW")
+[ "$title" = "HTML:> Untitled <" ] || e2e_fail "first-launch title was '$title'"
+e2e_focus "$E2E_WINDOW"
+xdotool key --clearmodifiers ctrl+End
+xdotool type --delay 20 '<p>typed under Xvfb</p>'
+xdotool key Return
+sleep 0.5
+e2e_screenshot "$SHOTS/e2e_restore-first-launch.png"
+e2e_quit
+e2e_store | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the typed line was not saved at quit"
+
+# Second launch: the line is back; type a second one, which must join it.
+e2e_start "$APP"
+e2e_focus "$E2E_WINDOW"
+xdotool key --clearmodifiers ctrl+End
+xdotool type --delay 20 '<p>second session</p>'
+sleep 0.3
+e2e_quit
+store=$(e2e_store)
+echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the first line was not restored"
+echo "$store" | grep -q '&lt;p&gt;second session&lt;/p&gt;' || e2e_fail "the second line was not saved"
+
+# A file handed over on the command line opens in the HTML window.
+page="$E2E_HOME/handed over.html"
+printf '<p>from the command line</p>\n' > "$page"
+e2e_start "$APP" "$page"
+title=$(xdotool getwindowname "$E2E_WINDOW")
+[ "$title" = "HTML:handed over.html" ] || e2e_fail "title after opening a file was '$title'"
+e2e_screenshot "$SHOTS/e2e_restore-opened-file.png"
+e2e_quit
+e2e_store | grep -q 'from the command line' || e2e_fail "the opened file's text was not kept"
+echo "PASS"

@@ -1,0 +1,303 @@
+// The HTML document window: title, default page, open, save, save as, new, and the text,
+// file name and flag that come back at the next launch.
+#include "editor/TWEditWindowController.h"
+
+#include "TWRecordingPreview.h"
+#include "app/TWAppDelegate.h"
+#include "app/TWStateKeys.h"
+#include "editor/TWEditorTextView.h"
+#include "platform/TWBeep.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWPanels.h"
+#include "platform/TWUserDefaults.h"
+#include "preferences/TWPreferences.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QByteArray readBytes(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+QString defaultPage()
+{
+    return QString::fromLatin1(readBytes(QStringLiteral(":/defaultPage.txt")));
+}
+
+} // namespace
+
+class tst_TWEditWindowController : public QObject
+{
+    Q_OBJECT
+
+private:
+    TWRecordingPreview viewer;
+    QTemporaryDir dir;
+
+    // A new launch of the window: a fresh controller reading the store from disk.
+    TWEditWindowController *relaunch()
+    {
+        delete TWEditWindowController::sharedEditWindowController();
+        TWUserDefaults::resetStandardUserDefaults();
+        return TWEditWindowController::sharedEditWindowController();
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        TWInstallTranslations(QCoreApplication::instance());
+        viewer.install();
+        TWPreferences::sharedPref();
+    }
+
+    void init()
+    {
+        TWPreferences::sharedPref()->setTextEncoding(0);
+        TWPreferences::sharedPref()->setReturnCode(0);
+        TWPanels::setOpenPanelHandler({});
+        TWPanels::setSavePanelHandler({});
+        TWResetBeepCount();
+    }
+
+    void firstLaunchShowsDefaultPage()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        QVERIFY(defaultPage().contains(QLatin1String("<h1>")));
+        QCOMPARE(window->getText(), defaultPage());
+        QCOMPARE(window->htmlFilename(), QString());
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
+        QVERIFY(!window->textView()->autoIndentation());
+        QVERIFY(window->textView()->autoRenderEnabled());
+        QCOMPARE(window->activeTextView(), window->textView());
+        QVERIFY(window->testAttribute(Qt::WA_TranslucentBackground));
+        QVERIFY(qAbs(window->textView()->palette().color(QPalette::Base).alphaF() - 0.7f) < 0.01f);
+    }
+
+    void titleFollowsFileName_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("no file") << QString() << QStringLiteral("HTML:> Untitled <");
+        QTest::newRow("file") << QStringLiteral("/a/b/page.html") << QStringLiteral("HTML:page.html");
+        QTest::newRow("no extension") << QStringLiteral("/a/b/README") << QStringLiteral("HTML:README");
+        QTest::newRow("non-ASCII") << QString::fromUtf8("/tmp/ページ.html") << QString::fromUtf8("HTML:ページ.html");
+    }
+
+    void titleFollowsFileName()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, title);
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->setHTMLFilename(path);
+        QCOMPARE(window->windowTitle(), title);
+        QCOMPARE(window->htmlFilename(), path);
+    }
+
+    void openReadsPreferredEncodingAndSetsBaseURL()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        const QString path = dir.filePath(QStringLiteral("euc.html"));
+        QVERIFY(writeBytes(path, QByteArray("<p>\xc6\xfc\xcb\xdc</p>\r\n<p>2</p>\r")));
+        TWPreferences::sharedPref()->setTextEncoding(1);
+        const int renders = viewer.directRenderRequests;
+        QVERIFY(window->openHTMLFile(path));
+        QCOMPARE(window->getText(), QString::fromUtf8("<p>日本</p>\n<p>2</p>\n"));
+        QCOMPARE(window->htmlFilename(), path);
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:euc.html"));
+        QCOMPARE(viewer.baseURL, QUrl::fromLocalFile(path));
+        QCOMPARE(viewer.directRenderRequests, renders + 1);
+        QCOMPARE(TWBeepCount(), 0);
+    }
+
+    void unopenableFileChangesNothing_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("undecodable") << QStringLiteral("bad.html") << QByteArray("ok \xff\xfe\x80 not UTF-8");
+        QTest::newRow("missing") << QStringLiteral("missing.html") << QByteArray();
+        QTest::newRow("directory") << QStringLiteral("folder") << QByteArray();
+    }
+
+    void unopenableFileChangesNothing()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        TWPreferences::sharedPref()->setTextEncoding(3);
+        const QString path = dir.filePath(name);
+        if (!bytes.isEmpty())
+            QVERIFY(writeBytes(path, bytes));
+        if (name == QLatin1String("folder"))
+            QVERIFY(QDir().mkpath(path));
+        window->loadHTML(QStringLiteral("<p>work in progress</p>"));
+        window->setHTMLFilename(dir.filePath(QStringLiteral("mine.html")));
+
+        QVERIFY(window->openHTMLFile(path));
+        QCOMPARE(TWBeepCount(), 1);
+        QCOMPARE(window->getText(), QStringLiteral("<p>work in progress</p>"));
+        QCOMPARE(window->htmlFilename(), dir.filePath(QStringLiteral("mine.html")));
+        if (!bytes.isEmpty())
+            QCOMPARE(readBytes(path), bytes);
+    }
+
+    void saveAsUsesPanelAndPreferredForms()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->setHTMLFilename(QString());
+        window->loadHTML(QString::fromUtf8("<p>日本</p>\n"));
+        TWPreferences::sharedPref()->setTextEncoding(0);
+        TWPreferences::sharedPref()->setReturnCode(2);
+
+        QStringList offered;
+        QString proposed = QStringLiteral("<not asked>");
+        const QString path = dir.filePath(QStringLiteral("page.html"));
+        TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &extensions) {
+            proposed = name;
+            offered = extensions;
+            return std::optional<QString>(path);
+        });
+        window->saveDocument(); // no file yet: runs the panel
+        QCOMPARE(proposed, QString());
+        QCOMPARE(offered, (QStringList{QStringLiteral("html"), QStringLiteral("htm")}));
+        QCOMPARE(readBytes(path), QByteArray("<p>\x93\xfa\x96{</p>\r\n"));
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:page.html"));
+        QCOMPARE(viewer.baseURL, QUrl::fromLocalFile(path));
+
+        // Save As again proposes the current name.
+        TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &) {
+            proposed = name;
+            return std::optional<QString>();
+        });
+        window->saveDocumentAs();
+        QCOMPARE(proposed, QStringLiteral("page.html"));
+        QCOMPARE(window->htmlFilename(), path);
+
+        // Save with a file name writes without asking.
+        bool asked = false;
+        TWPanels::setSavePanelHandler([&](const QString &, const QStringList &) {
+            asked = true;
+            return std::optional<QString>();
+        });
+        window->loadHTML(QStringLiteral("second\n"));
+        window->saveDocument();
+        QVERIFY(!asked);
+        QCOMPARE(readBytes(path), QByteArray("second\r\n"));
+    }
+
+    void cancelledSaveChangesNothing()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->setHTMLFilename(QString());
+        TWPanels::setSavePanelHandler([](const QString &, const QStringList &) { return std::optional<QString>(); });
+        window->saveDocument();
+        QCOMPARE(window->htmlFilename(), QString());
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
+    }
+
+    void unwritableTargetBeepsAndKeepsOldFile()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        const QString folder = dir.filePath(QStringLiteral("taken"));
+        QVERIFY(QDir().mkpath(folder));
+        window->loadHTML(QStringLiteral("text"));
+        window->saveHTMLFileAs(folder); // a folder cannot become a file
+        QCOMPARE(TWBeepCount(), 1);
+        QVERIFY(QFileInfo(folder).isDir());
+    }
+
+    void newDocumentClearsTextNameAndBaseURL()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->loadHTML(QStringLiteral("<p>x</p>"));
+        window->setHTMLFilename(QStringLiteral("/x/y.html"));
+        viewer.baseURL = QUrl::fromLocalFile(QStringLiteral("/x/y.html"));
+        TWPreferences::sharedPref()->setDefaultBaseURL(QStringLiteral("http://localhost/site/"));
+        window->newDocument();
+        QCOMPARE(window->getText(), QString());
+        QCOMPARE(window->htmlFilename(), QString());
+        QCOMPARE(viewer.baseURL, QUrl(QStringLiteral("http://localhost/site/")));
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
+    }
+
+    void stateComesBackAtNextLaunch()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->loadHTML(QString::fromUtf8("<p>kept 日本</p>\n"));
+        window->setHTMLFilename(QStringLiteral("/site/kept.html"));
+        window->textView()->setAutoIndentation(true);
+        window->resize(512, 384);
+        window->saveWindowProperties();
+        TWUserDefaults::standardUserDefaults()->synchronize();
+
+        window = relaunch();
+        QCOMPARE(window->getText(), QString::fromUtf8("<p>kept 日本</p>\n"));
+        QCOMPARE(window->htmlFilename(), QStringLiteral("/site/kept.html"));
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:kept.html"));
+        QVERIFY(window->textView()->autoIndentation());
+        QCOMPARE(window->size(), QSize(512, 384));
+    }
+
+    void partialDefaultsFallBack_data()
+    {
+        QTest::addColumn<QVariantMap>("defaults");
+        QTest::addColumn<bool>("defaultPageShown");
+        QTest::addColumn<QString>("filename");
+        QTest::addColumn<bool>("autoIndentation");
+        QVariantMap noText;
+        noText.insert(QStringLiteral("HTML Filename"), QStringLiteral("/a.html"));
+        noText.insert(QStringLiteral("Auto Indentation"), QStringLiteral("yes"));
+        QVariantMap onlyText;
+        onlyText.insert(QStringLiteral("HTML Text"), QStringLiteral("t"));
+        QVariantMap foreignTypes;
+        foreignTypes.insert(QStringLiteral("HTML Text"), 12);
+        foreignTypes.insert(QStringLiteral("HTML Filename"), QVariantList());
+        foreignTypes.insert(QStringLiteral("Auto Indentation"), QStringLiteral("YES"));
+        QTest::newRow("no text") << noText << true << QStringLiteral("/a.html") << false;
+        QTest::newRow("only text") << onlyText << false << QString() << false;
+        QTest::newRow("foreign types") << foreignTypes << true << QString() << true;
+    }
+
+    void partialDefaultsFallBack()
+    {
+        QFETCH(QVariantMap, defaults);
+        QFETCH(bool, defaultPageShown);
+        QFETCH(QString, filename);
+        QFETCH(bool, autoIndentation);
+        TWUserDefaults::standardUserDefaults()->setObject(defaults, QLatin1String(TWWindowDefaultsKey::editorWindow));
+        TWUserDefaults::standardUserDefaults()->synchronize();
+        TWEditWindowController *window = relaunch();
+        QCOMPARE(window->getText() == defaultPage(), defaultPageShown);
+        QCOMPARE(window->htmlFilename(), filename);
+        QCOMPARE(window->textView()->autoIndentation(), autoIndentation);
+    }
+
+    void autoIndentationToggleFollowsMenu()
+    {
+        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
+        window->textView()->setAutoIndentation(false);
+        QVERIFY(!TWAppDelegate::sharedAppDelegate()->autoIndentMenu->isChecked());
+        window->toggleAutoIndentation();
+        QVERIFY(window->textView()->autoIndentation());
+        QVERIFY(TWAppDelegate::sharedAppDelegate()->autoIndentMenu->isChecked());
+        // The menu item itself toggles the same flag.
+        TWAppDelegate::sharedAppDelegate()->autoIndentMenu->trigger();
+        QVERIFY(!window->textView()->autoIndentation());
+        QVERIFY(!TWAppDelegate::sharedAppDelegate()->autoIndentMenu->isChecked());
+    }
+};
+
+QTEST_MAIN(tst_TWEditWindowController)
+#include "tst_TWEditWindowController.moc"

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "preview/TWPreview.h"
+
+#include <QList>
+#include <QStringList>
+
+// Stands in for the viewer in tests of the documents and the preferences: it records what
+// they ask of the viewer, and answers relative paths the way a file base URL would.
+class TWRecordingPreview : public TWPreview
+{
+public:
+    void renderNow() override { ++renderNowCount; }
+    void renderIfAutorender(const QObject *timer) override { timer ? ++timerRenderRequests : ++directRenderRequests; }
+    void fireRenderTimer() override { ++renderTimersFired; }
+    void setSuspensionTime(double seconds) override { suspensionTimes << seconds; }
+    void setBaseURL(const QUrl &url) override { baseURL = url; }
+    void setBaseURLWithString(const QString &text) override { baseURL = QUrl(text); }
+    QString relativePathToBaseURL(const QString &path) override { return path.section(QLatin1Char('/'), -1); }
+
+    // Makes this the viewer that TWPreview::shared() answers, for the life of the object.
+    void install()
+    {
+        TWPreview::setFactory([this] { return this; });
+    }
+    ~TWRecordingPreview() override { TWPreview::setFactory({}); }
+
+    int renderNowCount = 0;
+    int directRenderRequests = 0;
+    int timerRenderRequests = 0;
+    int renderTimersFired = 0;
+    QList<double> suspensionTimes;
+    QUrl baseURL;
+};

@@ -1,0 +1,49 @@
+#include "TWTestEnvironment.h"
+
+#include <QByteArray>
+#include <QDir>
+
+#include <cstdlib>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+std::string makePrivateHome()
+{
+    const char *tmp = std::getenv("TMPDIR");
+    std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/tagwright-test-XXXXXX";
+    if (!mkdtemp(pattern.data()))
+        std::abort();
+    const std::string home = pattern;
+    const std::pair<const char *, std::string> vars[] = {
+        {"HOME", home},
+        {"XDG_CONFIG_HOME", home + "/.config"},
+        {"XDG_DATA_HOME", home + "/.local/share"},
+        {"XDG_CACHE_HOME", home + "/.cache"},
+        {"XDG_RUNTIME_DIR", home + "/runtime"},
+    };
+    for (const auto &[name, value] : vars) {
+        QDir().mkpath(QString::fromStdString(value));
+        setenv(name, value.c_str(), 1);
+    }
+    chmod((home + "/runtime").c_str(), 0700);
+    // The private home goes when the test process ends.
+    std::atexit([] {
+        const char *dir = std::getenv("HOME");
+        if (dir && std::string(dir).find("/tagwright-test-") != std::string::npos)
+            QDir(QString::fromLocal8Bit(dir)).removeRecursively();
+    });
+    return home;
+}
+
+// Runs before main(), so that nothing in the test can see the real environment first.
+const std::string privateHome = makePrivateHome();
+
+} // namespace
+
+QString TWTestEnvironment::home()
+{
+    return QString::fromStdString(privateHome);
+}
