@@ -57,7 +57,21 @@ private:
     {
         if (!isXMLText(text))
             return false;
-        xml.writeTextElement(element, text);
+        if (!text.contains(QLatin1Char('\r'))) {
+            xml.writeTextElement(element, text);
+            return true;
+        }
+        // A reader turns a raw CR (and CR LF) into LF; written as a character reference it
+        // survives.
+        xml.writeStartElement(element);
+        const QStringList pieces = text.split(QLatin1Char('\r'));
+        for (qsizetype i = 0; i < pieces.size(); ++i) {
+            if (i > 0)
+                xml.writeEntityReference(QStringLiteral("#13"));
+            if (!pieces.at(i).isEmpty())
+                xml.writeCharacters(pieces.at(i));
+        }
+        xml.writeEndElement();
         return true;
     }
 
@@ -217,13 +231,30 @@ private:
         return false;
     }
 
-    // The text of a simple element; the reader ends on its end element.
+    // The text of a simple element; the reader ends on its end element. Elements inside it
+    // and entities that cannot be resolved are errors: the text would silently lose a part.
     std::optional<QString> elementText()
     {
-        const QString text = xml.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement);
-        if (xml.hasError())
-            return fail(xml.errorString());
-        return text;
+        QString text;
+        while (!xml.atEnd()) {
+            switch (xml.readNext()) {
+            case QXmlStreamReader::Characters:
+                text += xml.text();
+                break;
+            case QXmlStreamReader::EndElement:
+                return text;
+            case QXmlStreamReader::Comment:
+            case QXmlStreamReader::ProcessingInstruction:
+                break;
+            case QXmlStreamReader::EntityReference:
+                return fail(QStringLiteral("unknown entity &%1;").arg(xml.name().toString()));
+            case QXmlStreamReader::Invalid:
+                return fail(xml.errorString());
+            default:
+                return fail(QStringLiteral("element inside a simple value"));
+            }
+        }
+        return fail(xml.hasError() ? xml.errorString() : QStringLiteral("value not closed"));
     }
 
     // Reads the value whose start element is current; ends on its end element.
