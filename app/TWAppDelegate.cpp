@@ -85,7 +85,7 @@ void TWAppDelegate::createActions()
     newAction = make(tr("&New"), QKeySequence::New, &TWAppDelegate::newDocument);
     openAction = make(tr("&Open..."), QKeySequence::Open, &TWAppDelegate::open);
     saveAction = make(tr("&Save"), QKeySequence::Save, &TWAppDelegate::saveDocument);
-    saveAsAction = make(tr("Save &As..."), QKeySequence::SaveAs, &TWAppDelegate::saveDocumentAs);
+    saveAsAction = make(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), &TWAppDelegate::saveDocumentAs);
     quitAction = make(tr("&Quit"), QKeySequence::Quit, [] { QCoreApplication::quit(); });
     quitAction->setMenuRole(QAction::QuitRole);
 

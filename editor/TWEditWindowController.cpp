@@ -5,6 +5,7 @@
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWEditorTextView.h"
+#include "platform/TWCompositing.h"
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
 #include "platform/TWPanels.h"
@@ -57,8 +58,10 @@ void TWEditWindowController::awakeFromNib()
     palette.setColor(QPalette::Text, Qt::black);
     htmlText->setPalette(palette);
     // The window itself is not opaque, so that a background colour with an opacity below
-    // 100 % lets the desktop show through the text.
-    setAttribute(Qt::WA_TranslucentBackground);
+    // 100 % lets the desktop show through the text. Where the desktop does not composite
+    // windows that would show black instead, so the window stays opaque there.
+    if (TWDesktopCompositesWindows())
+        setAttribute(Qt::WA_TranslucentBackground);
     const TWPreferences *preferences = TWPreferences::sharedPref();
     changeBGColor(preferences->editorBGColorWithAlpha());
     htmlText->setFont(preferences->editorFont());
@@ -178,7 +181,11 @@ void TWEditWindowController::changeFont(const QFont &font)
 void TWEditWindowController::changeBGColor(const QColor &color)
 {
     QPalette palette = htmlText->palette();
-    palette.setColor(QPalette::Base, color);
+    // An opaque window would blend a translucent colour with its own grey: show the colour.
+    QColor shown = color;
+    if (!testAttribute(Qt::WA_TranslucentBackground))
+        shown.setAlphaF(1.0f);
+    palette.setColor(QPalette::Base, shown);
     htmlText->setPalette(palette);
     update();
 }

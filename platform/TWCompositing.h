@@ -1,0 +1,5 @@
+#pragma once
+
+// Whether the desktop composites windows, so that a translucent window shows what lies
+// behind it. Without a compositor a translucent window is drawn over black instead.
+bool TWDesktopCompositesWindows();
