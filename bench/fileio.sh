@@ -7,8 +7,8 @@ PAGE=$(realpath "${PAGE:-$(dirname "$0")/../../shared/testdata/large/python-libr
 RUNS=${RUNS:-5}
 WORK=$(mktemp -d)
 trap 'rm -rf "$WORK"' EXIT
-export QT_QPA_PLATFORM=offscreen HOME="$WORK/home" XDG_CONFIG_HOME="$WORK/home/.config"
-mkdir -p "$HOME"
+export QT_QPA_PLATFORM=offscreen HOME="$WORK/home" XDG_CONFIG_HOME="$WORK/home/.config" XDG_RUNTIME_DIR="$WORK/run"
+mkdir -p "$HOME" "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
 
 cp "$PAGE" "$WORK/utf8.html"
 # Characters Shift_JIS lacks (a few typographic ones in the page) are dropped by -c.
@@ -31,9 +31,12 @@ measure() { # label, command... ; prints the median time and the largest peak
 iconv_measure() { # label, from, to, file
   local label=$1 from=$2 to=$3 file=$4 times=() peaks=() out
   for _ in $(seq "$RUNS"); do
-    out=$( { /usr/bin/time -f '%e %M' iconv -c -f "$from" -t "$to" "$file" > /dev/null; } 2>&1 | tail -1)
-    times+=("$(echo "$out" | awk '{print $1 * 1000}')")
-    peaks+=("$(echo "$out" | awk '{printf "%.0f", $2 / 1024}')")
+    local start end
+    start=$(date +%s%N)
+    out=$( { /usr/bin/time -f '%M' iconv -c -f "$from" -t "$to" "$file" > /dev/null; } 2>&1 | tail -1)
+    end=$(date +%s%N)
+    times+=("$(awk -v a="$start" -v b="$end" 'BEGIN {print (b - a) / 1e6}')")
+    peaks+=("$(echo "$out" | awk '{printf "%.0f", $1 / 1024}')")
   done
   printf '%-34s median %7.1f ms   peak %5s MB\n' "$label" "$(printf '%s\n' "${times[@]}" | median)" \
     "$(printf '%s\n' "${peaks[@]}" | sort -n | tail -1)"
