@@ -3,6 +3,7 @@
 # converting the same file. Prints the median of 5 runs of each.
 set -euo pipefail
 BUILD=$(realpath "${1:-build}")
+# The large real pages live beside the repository (../shared/testdata); PAGE= picks another.
 PAGE=$(realpath "${PAGE:-$(dirname "$0")/../../shared/testdata/large/python-library-concat.html}")
 RUNS=${RUNS:-5}
 WORK=$(mktemp -d)
