@@ -38,6 +38,11 @@ e2e_start "$APP" "$page"
 title=$(xdotool getwindowname "$E2E_WINDOW")
 [ "$title" = "HTML:handed over.html" ] || e2e_fail "title after opening a file was '$title'"
 e2e_screenshot "$SHOTS/e2e_restore-opened-file.png"
-e2e_quit
+# Quit from the keyboard this time: Ctrl+Q runs the same quit sequence.
+e2e_focus "$E2E_WINDOW"
+xdotool key --clearmodifiers ctrl+q
+timeout 30 tail --pid="$E2E_APP" -f /dev/null || e2e_fail "Ctrl+Q did not quit"
+wait "$E2E_APP" || e2e_fail "the app exited with an error after Ctrl+Q"
+E2E_APP=
 e2e_store | grep -q 'from the command line' || e2e_fail "the opened file's text was not kept"
 echo "PASS"
