@@ -2,7 +2,10 @@
 
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
+#include "app/TWLineNumberDialog.h"
 #include "app/TWStateKeys.h"
+#include "documents/TWCSSWindowController.h"
+#include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
 #include "platform/TWPanels.h"
@@ -12,6 +15,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -86,10 +90,13 @@ void TWAppDelegate::createActions()
     openAction = make(tr("&Open..."), QKeySequence::Open, &TWAppDelegate::open);
     saveAction = make(tr("&Save"), QKeySequence::Save, &TWAppDelegate::saveDocument);
     saveAsAction = make(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), &TWAppDelegate::saveDocumentAs);
-    quitAction = make(tr("&Quit"), QKeySequence::Quit, [] { QCoreApplication::quit(); });
+    insertFileLinkAction = make(tr("Insert &Link to File..."), QKeySequence(), &TWAppDelegate::insertFileLink);
+    insertImageAction = make(tr("Insert &Image..."), QKeySequence(), &TWAppDelegate::insertImage);
+    quitAction = make(tr("&Quit"), QKeySequence::Quit, [] { QCoreApplication::exit(0); });
     quitAction->setMenuRole(QAction::QuitRole);
 
-    // Editing commands go to the text view or field that has the keyboard focus.
+    // Editing commands go to the text view or field that has the keyboard focus; an editor
+    // text view undoes through its own history (the template halves share one).
     const auto editAction = [&make](const QString &title, QKeySequence::StandardKey key, auto onText, auto onLine) {
         return make(title, key, [onText, onLine] {
             QWidget *focus = QApplication::focusWidget();
@@ -99,8 +106,20 @@ void TWAppDelegate::createActions()
                 std::invoke(onLine, line);
         });
     };
-    undoAction = editAction(tr("&Undo"), QKeySequence::Undo, &QPlainTextEdit::undo, &QLineEdit::undo);
-    redoAction = editAction(tr("&Redo"), QKeySequence::Redo, &QPlainTextEdit::redo, &QLineEdit::redo);
+    const auto undoText = [](QPlainTextEdit *text) {
+        if (auto *editor = qobject_cast<TWEditorTextView *>(text))
+            editor->performUndo();
+        else
+            text->undo();
+    };
+    const auto redoText = [](QPlainTextEdit *text) {
+        if (auto *editor = qobject_cast<TWEditorTextView *>(text))
+            editor->performRedo();
+        else
+            text->redo();
+    };
+    undoAction = editAction(tr("&Undo"), QKeySequence::Undo, undoText, &QLineEdit::undo);
+    redoAction = editAction(tr("&Redo"), QKeySequence::Redo, redoText, &QLineEdit::redo);
     cutAction = editAction(tr("Cu&t"), QKeySequence::Cut, &QPlainTextEdit::cut, &QLineEdit::cut);
     copyAction = editAction(tr("&Copy"), QKeySequence::Copy, &QPlainTextEdit::copy, &QLineEdit::copy);
     pasteAction = editAction(tr("&Paste"), QKeySequence::Paste, &QPlainTextEdit::paste, &QLineEdit::paste);
@@ -109,6 +128,15 @@ void TWAppDelegate::createActions()
 
     autoIndentMenu = make(tr("Auto &Indent"), QKeySequence(), &TWAppDelegate::toggleAutoIndentation);
     autoIndentMenu->setCheckable(true);
+    jumpToLineAction = make(tr("&Jump to Line..."), QKeySequence(Qt::CTRL | Qt::Key_L), &TWAppDelegate::askForLineNumber);
+
+    applyTemplateMenu = make(tr("Apply &Template"), QKeySequence(), &TWAppDelegate::toggleApplyTemplate);
+    applyTemplateMenu->setCheckable(true);
+
+    showEditWindowAction = make(tr("&HTML"), QKeySequence(Qt::CTRL | Qt::Key_1), &TWAppDelegate::showEditWindow);
+    showTemplateWindowAction
+        = make(tr("&Template"), QKeySequence(Qt::CTRL | Qt::Key_2), &TWAppDelegate::showTemplateWindow);
+    showCSSWindowAction = make(tr("&Style Sheet"), QKeySequence(Qt::CTRL | Qt::Key_3), &TWAppDelegate::showCSSWindow);
 }
 
 void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
@@ -120,7 +148,11 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     file->addAction(saveAction);
     file->addAction(saveAsAction);
     file->addSeparator();
+    file->addAction(insertFileLinkAction);
+    file->addAction(insertImageAction);
+    file->addSeparator();
     file->addAction(quitAction);
+    connect(file, &QMenu::aboutToShow, this, &TWAppDelegate::updateInsertActions);
 
     QMenu *edit = menuBar->addMenu(tr("&Edit"));
     edit->addAction(undoAction);
@@ -132,11 +164,22 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     edit->addAction(selectAllAction);
     edit->addSeparator();
     edit->addAction(autoIndentMenu);
+    edit->addAction(jumpToLineAction);
+
+    QMenu *preview = menuBar->addMenu(tr("&Preview"));
+    preview->addAction(applyTemplateMenu);
+
+    QMenu *window = menuBar->addMenu(tr("&Window"));
+    window->addAction(showEditWindowAction);
+    window->addAction(showTemplateWindowAction);
+    window->addAction(showCSSWindowAction);
 }
 
 void TWAppDelegate::applicationWillFinishLaunching()
 {
     TWPreferences::sharedPref();
+    TWTemplateWindowController::sharedTemplateController();
+    TWCSSWindowController::sharedCSSController();
     TWEditWindowController::sharedEditWindowController();
 }
 
@@ -147,6 +190,8 @@ bool TWAppDelegate::applicationOpenFile(const QString &path)
 
 void TWAppDelegate::applicationDidFinishLaunching()
 {
+    TWTemplateWindowController::sharedTemplateController()->loadTemplateAtAppLaunch();
+    TWCSSWindowController::sharedCSSController()->loadCSSAtAppLaunch();
     TWEditWindowController::sharedEditWindowController()->loadTextAtAppLaunch();
     launching = false;
 }
@@ -156,6 +201,8 @@ void TWAppDelegate::applicationWillTerminate()
     TWPreferences::sharedPref()->savePrefs();
     saveAppProperties();
     TWEditWindowController::sharedEditWindowController()->saveWindowProperties();
+    TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
+    TWCSSWindowController::sharedCSSController()->saveWindowProperties();
     // The preferences flushed the store already; the window state written since must
     // reach the disk too.
     TWUserDefaults::standardUserDefaults()->synchronize();
@@ -170,12 +217,22 @@ void TWAppDelegate::saveAppProperties()
 
 bool TWAppDelegate::openFile(const QString &path)
 {
+    const QString extension = QFileInfo(path).suffix().toLower();
+    if (extension == QLatin1String(TWExtension::templateFile))
+        return TWTemplateWindowController::sharedTemplateController()->openTemplateFile(path);
+    if (extension == QLatin1String(TWExtension::css))
+        return TWCSSWindowController::sharedCSSController()->openCSSFile(path);
     return TWEditWindowController::sharedEditWindowController()->openHTMLFile(path);
 }
 
 void TWAppDelegate::setAutoIndentationMenu(bool flag)
 {
     autoIndentMenu->setChecked(flag);
+}
+
+void TWAppDelegate::setApplyTemplateMenuState(bool flag)
+{
+    applyTemplateMenu->setChecked(flag);
 }
 
 TWDocumentWindow *TWAppDelegate::keyDocumentWindow() const
@@ -216,7 +273,62 @@ void TWAppDelegate::saveDocumentAs()
         window->saveDocumentAs();
 }
 
+void TWAppDelegate::updateInsertActions()
+{
+    const TWDocumentWindow *window = keyDocumentWindow();
+    const bool enabled = window && window->canInsertFiles();
+    insertFileLinkAction->setEnabled(enabled);
+    insertImageAction->setEnabled(enabled);
+}
+
+void TWAppDelegate::insertFileLink()
+{
+    if (TWDocumentWindow *window = keyDocumentWindow(); window && window->canInsertFiles())
+        window->insertFileLink();
+}
+
+void TWAppDelegate::insertImage()
+{
+    if (TWDocumentWindow *window = keyDocumentWindow(); window && window->canInsertFiles())
+        window->insertImage();
+}
+
 void TWAppDelegate::toggleAutoIndentation()
 {
     TWEditWindowController::sharedEditWindowController()->toggleAutoIndentation();
+}
+
+void TWAppDelegate::toggleApplyTemplate()
+{
+    TWTemplateWindowController::sharedTemplateController()->toggleApplyTemplate();
+}
+
+void TWAppDelegate::askForLineNumber()
+{
+    if (!lineNumberDialog)
+        lineNumberDialog = new TWLineNumberDialog(QApplication::activeWindow());
+    lineNumberDialog->lineNumberTextField()->selectAll();
+    if (lineNumberDialog->exec() == QDialog::Accepted)
+        jumpToLineNumber(lineNumberDialog->lineNumber());
+}
+
+void TWAppDelegate::jumpToLineNumber(int lineNumber)
+{
+    if (TWEditorTextView *view = TWEditorTextView::textViewToBeEdited())
+        view->jumptoLineNumber(lineNumber);
+}
+
+void TWAppDelegate::showEditWindow()
+{
+    TWEditWindowController::sharedEditWindowController()->showWindow();
+}
+
+void TWAppDelegate::showTemplateWindow()
+{
+    TWTemplateWindowController::sharedTemplateController()->showWindow();
+}
+
+void TWAppDelegate::showCSSWindow()
+{
+    TWCSSWindowController::sharedCSSController()->showWindow();
 }

@@ -7,11 +7,12 @@
 class QAction;
 class QMenuBar;
 class TWDocumentWindow;
+class TWLineNumberDialog;
 
 // The spine of the application: creates the shared controllers in a fixed order at launch,
 // opens the files handed over by the desktop, tells whether the application is still
-// launching, owns the menu commands (shared by every window's menu bar) and saves the
-// application's state at quit.
+// launching, owns the menu commands (shared by every window's menu bar) with their check
+// marks, and saves the application's state at quit.
 class TWAppDelegate : public QObject
 {
     Q_OBJECT
@@ -29,11 +30,18 @@ public:
     void saveAppProperties();
     const QString &projectFilename() const { return projectFilenameValue; }
 
-    // Routes a path to the controller that opens its kind of file.
+    // Routes a path by its extension, ignoring case, to the controller that opens its kind.
     bool openFile(const QString &path);
 
     // Menu state.
     void setAutoIndentationMenu(bool flag);
+    void setApplyTemplateMenuState(bool flag);
+
+    // Commands.
+    void jumpToLineNumber(int lineNumber);
+    void showEditWindow();
+    void showTemplateWindow();
+    void showCSSWindow();
 
     // Adds the application's menus to a window's menu bar.
     void populateMenuBar(QMenuBar *menuBar);
@@ -42,22 +50,29 @@ public:
     TWDocumentWindow *keyDocumentWindow() const;
 
     QAction *autoIndentMenu = nullptr;
+    QAction *applyTemplateMenu = nullptr;
 
 private:
     TWAppDelegate();
     void createActions();
 
-    // Commands
     void newDocument();
     void open();
     void saveDocument();
     void saveDocumentAs();
+    void insertFileLink();
+    void insertImage();
+    void updateInsertActions();
     void toggleAutoIndentation();
+    void toggleApplyTemplate();
+    void askForLineNumber();
 
     QAction *newAction = nullptr;
     QAction *openAction = nullptr;
     QAction *saveAction = nullptr;
     QAction *saveAsAction = nullptr;
+    QAction *insertFileLinkAction = nullptr;
+    QAction *insertImageAction = nullptr;
     QAction *quitAction = nullptr;
     QAction *undoAction = nullptr;
     QAction *redoAction = nullptr;
@@ -65,6 +80,11 @@ private:
     QAction *copyAction = nullptr;
     QAction *pasteAction = nullptr;
     QAction *selectAllAction = nullptr;
+    QAction *jumpToLineAction = nullptr;
+    QAction *showEditWindowAction = nullptr;
+    QAction *showTemplateWindowAction = nullptr;
+    QAction *showCSSWindowAction = nullptr;
+    TWLineNumberDialog *lineNumberDialog = nullptr;
 
     QString projectFilenameValue;
     // Set from process start to the end of applicationDidFinishLaunching, never again.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringList>
+
 // File name extensions by kind of file. Opening routes by them, ignoring letter case; save
 // panels offer them.
 namespace TWExtension {
@@ -15,3 +17,10 @@ inline constexpr char jpeg[] = "jpeg";
 inline constexpr char png[] = "png";
 inline constexpr char gif[] = "gif";
 } // namespace TWExtension
+
+// The image files that are inserted as <img> tags.
+inline QStringList TWImageExtensions()
+{
+    return {QLatin1String(TWExtension::jpg), QLatin1String(TWExtension::jpeg), QLatin1String(TWExtension::png),
+            QLatin1String(TWExtension::gif)};
+}

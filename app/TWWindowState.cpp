@@ -2,6 +2,7 @@
 
 #include "platform/TWUserDefaults.h"
 
+#include <QScreen>
 #include <QWidget>
 
 namespace {
@@ -23,6 +24,21 @@ bool TWWindowState::setFrameUsingName(QWidget *window, const char *frameName)
 {
     const std::optional<QByteArray> frame = TWUserDefaults::standardUserDefaults()->dataForKey(frameKey(frameName));
     return frame && window->restoreGeometry(*frame);
+}
+
+void TWWindowState::setFrameUsingName(QWidget *window, const char *frameName, QPoint defaultPosition)
+{
+    if (setFrameUsingName(window, frameName))
+        return;
+    QPoint position = defaultPosition;
+    if (const QScreen *screen = window->screen()) {
+        const QRect available = screen->availableGeometry();
+        position.setX(std::clamp(available.left() + position.x(), available.left(),
+                                 std::max(available.left(), available.right() - window->width())));
+        position.setY(std::clamp(available.top() + position.y(), available.top(),
+                                 std::max(available.top(), available.bottom() - window->height())));
+    }
+    window->move(position);
 }
 
 std::optional<QVariantMap> TWWindowState::readDefaults(const char *defaultsKey)

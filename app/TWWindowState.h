@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
 #include <QVariantMap>
 
@@ -15,6 +16,9 @@ public:
     static void saveFrameUsingName(const QWidget *window, const char *frameName);
     // Answers false (and leaves the window as it is) when no usable frame was saved.
     static bool setFrameUsingName(QWidget *window, const char *frameName);
+    // Restores the saved frame, or, the first time, puts the window at its default place
+    // (kept on the screen).
+    static void setFrameUsingName(QWidget *window, const char *frameName, QPoint defaultPosition);
 
     // The dictionary, or nothing when the store holds none under the key.
     static std::optional<QVariantMap> readDefaults(const char *defaultsKey);

@@ -10,6 +10,7 @@
 #include "platform/TWLocalization.h"
 #include "platform/TWPanels.h"
 #include "platform/TWTextKeys.h"
+#include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWPreview.h"
 #include "ui_TWEditWindow.h"
@@ -27,6 +28,9 @@ constexpr char titleWithFile[] = "HTML:%1";
 constexpr char titleWithoutFile[] = "HTML:> %1 <";
 constexpr char defaultPageResource[] = ":/defaultPage.txt";
 
+// Where the window opens on a first launch, beside the other document windows.
+constexpr QPoint defaultPosition(40, 40);
+
 } // namespace
 
 TWEditWindowController *TWEditWindowController::sharedEditWindowController()
@@ -43,6 +47,7 @@ TWEditWindowController::TWEditWindowController()
     htmlText = ui->htmlText;
     TWAppDelegate::sharedAppDelegate()->populateMenuBar(menuBar());
     awakeFromNib();
+    connect(htmlText, &TWEditorTextView::userEdited, htmlText, &TWEditorTextView::textDidChange);
 }
 
 TWEditWindowController::~TWEditWindowController()
@@ -66,7 +71,7 @@ void TWEditWindowController::awakeFromNib()
     changeBGColor(preferences->editorBGColorWithAlpha());
     htmlText->setFont(preferences->editorFont());
     htmlText->setAutoRenderEnabled(true);
-    TWWindowState::setFrameUsingName(this, TWFrameName::editorWindow);
+    TWWindowState::setFrameUsingName(this, TWFrameName::editorWindow, defaultPosition);
 
     const std::optional<QVariantMap> defaults = TWWindowState::readDefaults(TWWindowDefaultsKey::editorWindow);
     if (!defaults) {
@@ -104,8 +109,9 @@ QString TWEditWindowController::getText() const
 void TWEditWindowController::loadHTML(const QString &text)
 {
     htmlText->setString(text);
+    htmlText->colorText();
     if (TWPreview *viewer = TWPreview::shared())
-        viewer->renderIfAutorender(nullptr);
+        viewer->renderIfAutorender();
 }
 
 void TWEditWindowController::loadDefaultPage()
@@ -115,8 +121,9 @@ void TWEditWindowController::loadDefaultPage()
     const QString page = QFile::exists(resource) ? htmlText->loadTextFromFile(resource)
                                                  : TWLocalizedString(TWTextKey::defaultPageWasLost);
     htmlText->setString(page);
+    htmlText->colorText();
     if (TWPreview *viewer = TWPreview::shared())
-        viewer->renderIfAutorender(nullptr);
+        viewer->renderIfAutorender();
 }
 
 void TWEditWindowController::clearHTML()
@@ -167,6 +174,35 @@ void TWEditWindowController::saveDocumentAs()
         saveHTMLFileAs(*path);
 }
 
+void TWEditWindowController::insertFileLink()
+{
+    const QStringList paths = TWPanels::runOpenPanel(this, {});
+    if (!paths.isEmpty())
+        htmlText->insertLinkForFile(paths.first());
+}
+
+void TWEditWindowController::insertImage()
+{
+    const QStringList paths = TWPanels::runOpenPanel(this, TWImageExtensions());
+    if (!paths.isEmpty())
+        htmlText->insertImageOfFile(paths.first());
+}
+
+void TWEditWindowController::insertTag(const TWHTMLTag &tag)
+{
+    htmlText->insertTag(tag);
+}
+
+void TWEditWindowController::insertColorCode(const QString &code)
+{
+    htmlText->insertColorCode(code);
+}
+
+void TWEditWindowController::setTagColoring(bool flag)
+{
+    htmlText->setTagColoring(flag);
+}
+
 void TWEditWindowController::toggleAutoIndentation()
 {
     htmlText->toggleAutoIndentation();
@@ -190,6 +226,11 @@ void TWEditWindowController::changeBGColor(const QColor &color)
     update();
 }
 
+void TWEditWindowController::showWindow()
+{
+    TWWindowOrder::showWindow(this);
+}
+
 void TWEditWindowController::openWindowAtAppLaunch()
 {
     show();
@@ -199,7 +240,7 @@ void TWEditWindowController::loadTextAtAppLaunch()
 {
     if (TWPreview *viewer = TWPreview::shared())
         viewer->renderNow();
-    show();
+    showWindow();
 }
 
 void TWEditWindowController::saveWindowProperties() const

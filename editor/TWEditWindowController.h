@@ -9,6 +9,7 @@ namespace Ui {
 class TWEditWindow;
 }
 class TWEditorTextView;
+class TWHTMLTag;
 
 // The HTML document window: the one HTML document the user is writing, with the name of
 // its file. New and open replace the text without asking; the text survives a restart
@@ -39,11 +40,19 @@ public:
     void newDocument() override { clearHTML(); }
     void saveDocument() override { saveHTML(); }
     void saveDocumentAs() override;
+    bool canInsertFiles() const override { return true; }
+    void insertFileLink() override;
+    void insertImage() override;
+
+    void insertTag(const TWHTMLTag &tag);
+    void insertColorCode(const QString &code);
+    void setTagColoring(bool flag);
 
     void toggleAutoIndentation();
     void changeFont(const QFont &font);
     void changeBGColor(const QColor &color);
 
+    void showWindow();
     void openWindowAtAppLaunch();
     void loadTextAtAppLaunch();
     void saveWindowProperties() const;

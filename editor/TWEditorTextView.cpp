@@ -1,17 +1,100 @@
 #include "editor/TWEditorTextView.h"
 
 #include "app/TWAppDelegate.h"
+#include "app/TWDocumentWindow.h"
+#include "app/TWFileExtensions.h"
 #include "editor/TWTextFile.h"
 #include "platform/TWBeep.h"
+#include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
+#include "preview/TWPreview.h"
+#include "taglib/TWHTMLTag.h"
+
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QTextBlock>
+#include <QTimer>
+#include <QUndoStack>
+
+#include <cmath>
+
+namespace {
+
+constexpr char linkOpeningFormat[] = "<a href=\"%1\">";
+constexpr char linkClosing[] = "</a>";
+constexpr char linkTagName[] = "a";
+constexpr char imageFormat[] = "<img src=\"%1\" width=\"%2\" height=\"%3\" alt=\"%4\">";
+constexpr char imageTagName[] = "img";
+constexpr int dropCaretWidth = 2;
+
+// A path goes into an attribute value as it is, except for the two characters that would end
+// or garble the value.
+QString attributeValue(const QString &text)
+{
+    QString value = text;
+    value.replace(QLatin1Char('&'), QLatin1String("&amp;"));
+    value.replace(QLatin1Char('"'), QLatin1String("&quot;"));
+    return value;
+}
+
+bool isImageFile(const QString &path)
+{
+    return TWImageExtensions().contains(QFileInfo(path).suffix().toLower());
+}
+
+// The local files a drag carries; empty when it carries none (text, web addresses).
+QStringList droppedFiles(const QMimeData *data)
+{
+    QStringList files;
+    if (!data || !data->hasUrls())
+        return files;
+    for (const QUrl &url : data->urls()) {
+        if (!url.isLocalFile())
+            return {};
+        files << url.toLocalFile();
+    }
+    return files;
+}
+
+QString relativePath(const QString &path)
+{
+    if (TWPreview *viewer = TWPreview::shared())
+        return viewer->relativePathToBaseURL(path);
+    return QFileInfo(path).fileName();
+}
+
+} // namespace
 
 TWEditorTextView::TWEditorTextView(QWidget *parent)
     : QPlainTextEdit(parent)
 {
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    setTabChangesFocus(false);
+    const TWPreferences *preferences = TWPreferences::sharedPref();
+    tagColoringFlag = preferences->tagColoring();
+    editorTextColorValue = preferences->editorTextColor();
     if (suspendTimeSeconds < 0.0f)
-        suspendTimeSeconds = TWPreferences::sharedPref()->suspendTime();
+        suspendTimeSeconds = preferences->suspendTime();
+    // Only edits count as changes: loads go through setString, colours never touch the text.
+    connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
+        if (!loadingText && (removed > 0 || added > 0))
+            Q_EMIT userEdited();
+    });
+}
+
+TWEditorTextView *TWEditorTextView::textViewToBeEdited()
+{
+    for (QWidget *window : TWWindowOrder::shared()->orderedWindows()) {
+        if (!TWWindowOrder::isWindowVisible(window))
+            continue;
+        if (auto *document = dynamic_cast<TWDocumentWindow *>(window))
+            return document->activeTextView();
+    }
+    return nullptr;
 }
 
 void TWEditorTextView::setSuspendTime(float seconds)
@@ -40,9 +123,338 @@ void TWEditorTextView::toggleAutoIndentation()
     setAutoIndentation(!autoIndentationFlag);
 }
 
+void TWEditorTextView::setTagColoring(bool flag)
+{
+    tagColoringFlag = flag;
+    if (flag)
+        colorText();
+    else
+        paintTagColors();
+}
+
+void TWEditorTextView::setEditorTextColor(const QColor &color)
+{
+    editorTextColorValue = color.toRgb();
+}
+
+void TWEditorTextView::colorText()
+{
+    if (timerCountValue > 0 || !tagColoringFlag)
+        return;
+    paintTagColors();
+}
+
+void TWEditorTextView::colouringTimerFired()
+{
+    --timerCountValue;
+    colorText();
+}
+
+void TWEditorTextView::textDidChange()
+{
+    // Every change schedules its own timer and none is cancelled: only the firing that finds
+    // no other timer pending paints, one suspension time after the last change.
+    if (tagColoringSuspended) {
+        const int milliseconds = int(std::lround(std::max(0.0f, suspendTimeSeconds) * 1000.0f));
+        QTimer::singleShot(milliseconds, this, &TWEditorTextView::colouringTimerFired);
+        ++timerCountValue;
+    } else {
+        colorText();
+    }
+    if (!autoRenderEnabledFlag)
+        return;
+    if (TWPreview *viewer = TWPreview::shared()) {
+        if (renderSuspended)
+            viewer->fireRenderTimer();
+        else
+            viewer->renderIfAutorender();
+    }
+}
+
 void TWEditorTextView::setString(const QString &text)
 {
+    loadingText = true;
     setPlainText(text);
+    loadingText = false;
+}
+
+TWRange TWEditorTextView::selectedRange() const
+{
+    const QTextCursor cursor = textCursor();
+    return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+}
+
+void TWEditorTextView::setSelectedRange(TWRange range)
+{
+    const qsizetype size = document()->characterCount() - 1;
+    const qsizetype start = std::clamp<qsizetype>(range.location, 0, size);
+    const qsizetype end = std::clamp<qsizetype>(range.end(), start, size);
+    QTextCursor cursor = textCursor();
+    cursor.setPosition(int(start));
+    cursor.setPosition(int(end), QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+}
+
+void TWEditorTextView::insertText(const QString &text)
+{
+    textCursor().insertText(text);
+    ensureCursorVisible();
+}
+
+void TWEditorTextView::insertTag(const TWHTMLTag &tag)
+{
+    const QString selection = textCursor().selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    // A record of another kind than single or paired has beeped and gives nothing: the
+    // selection is left as it is.
+    if (const std::optional<QString> text = tag.insertingStringWithSelectedString(selection))
+        insertText(*text);
+}
+
+void TWEditorTextView::insertColorCode(const QString &code)
+{
+    const qsizetype start = selectedRange().location;
+    insertText(code);
+    setSelectedRange({start, code.size()});
+}
+
+QString TWEditorTextView::linkOpeningText(const QString &relativePath)
+{
+    return QString::fromLatin1(linkOpeningFormat).arg(attributeValue(relativePath));
+}
+
+QString TWEditorTextView::imageText(const QString &relativePath, QSize pixels)
+{
+    return QString::fromLatin1(imageFormat)
+        .arg(attributeValue(relativePath))
+        .arg(pixels.width())
+        .arg(pixels.height())
+        .arg(attributeValue(QFileInfo(relativePath).fileName()));
+}
+
+void TWEditorTextView::insertLinkForFile(const QString &path)
+{
+    const TWHTMLTag link(TWHTMLTag::pairedType, QLatin1String(linkTagName), QString(),
+                         linkOpeningText(relativePath(path)), QLatin1String(linkClosing), false, false, Qt::black,
+                         QString());
+    insertTag(link);
+}
+
+void TWEditorTextView::insertImageOfFile(const QString &path)
+{
+    // Only the header is read, for the size.
+    QImageReader reader(path);
+    const QSize pixels = reader.size();
+    if (!reader.canRead() || !pixels.isValid())
+        return;
+    const TWHTMLTag image(TWHTMLTag::singleType, QLatin1String(imageTagName), QString(),
+                          imageText(relativePath(path), pixels), QString(), false, false, Qt::black, QString());
+    insertTag(image);
+}
+
+void TWEditorTextView::jumptoLineNumber(int lineNumber)
+{
+    const int target = std::max(lineNumber, 1);
+    const QTextBlock block = document()->findBlockByNumber(target - 1);
+    const qsizetype position = block.isValid() ? block.position() : document()->characterCount() - 1;
+    setSelectedRange({position, 0});
+    ensureCursorVisible();
+    TWWindowOrder::showWindow(window());
+    setFocus(Qt::OtherFocusReason);
+}
+
+void TWEditorTextView::performUndo()
+{
+    if (sharedUndoStack)
+        sharedUndoStack->undo();
+    else
+        undo();
+}
+
+void TWEditorTextView::performRedo()
+{
+    if (sharedUndoStack)
+        sharedUndoStack->redo();
+    else
+        redo();
+}
+
+void TWEditorTextView::keyPressEvent(QKeyEvent *event)
+{
+    if (sharedUndoStack && event->matches(QKeySequence::Undo)) {
+        performUndo();
+        return;
+    }
+    if (sharedUndoStack && event->matches(QKeySequence::Redo)) {
+        performRedo();
+        return;
+    }
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && (event->modifiers() & Qt::ShiftModifier)) {
+        // Shift+Return would put a line separator into the text, which files cannot hold:
+        // it is an ordinary line break here.
+        QKeyEvent plain(event->type(), event->key(), event->modifiers() & ~Qt::ShiftModifier, event->text());
+        QPlainTextEdit::keyPressEvent(&plain);
+    } else {
+        QPlainTextEdit::keyPressEvent(event);
+    }
+    if (isReturn && autoIndentationFlag && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+        autoIndentAfterReturn();
+}
+
+void TWEditorTextView::autoIndentAfterReturn()
+{
+    const QTextCursor cursor = textCursor();
+    if (cursor.hasSelection() || cursor.positionInBlock() != 0)
+        return;
+    // The line the Return ended is the block before; only its text is looked at, so the cost
+    // does not grow with the document.
+    const QTextBlock previous = cursor.block().previous();
+    if (!previous.isValid())
+        return;
+    const QString line = previous.text();
+    qsizetype run = 0;
+    while (run < line.size() && (line.at(run) == QLatin1Char(' ') || line.at(run) == QLatin1Char('\t')))
+        ++run;
+    if (run > 0)
+        insertText(line.left(run));
+}
+
+void TWEditorTextView::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu *menu = createStandardContextMenu(event->pos());
+    if (sharedUndoStack) {
+        // Undo and redo of a template half go through the window's shared history.
+        for (QAction *action : menu->actions()) {
+            if (action->objectName() == QLatin1String("edit-undo")) {
+                action->disconnect();
+                action->setEnabled(sharedUndoStack->canUndo());
+                connect(action, &QAction::triggered, this, &TWEditorTextView::performUndo);
+            } else if (action->objectName() == QLatin1String("edit-redo")) {
+                action->disconnect();
+                action->setEnabled(sharedUndoStack->canRedo());
+                connect(action, &QAction::triggered, this, &TWEditorTextView::performRedo);
+            }
+        }
+    }
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(event->globalPos());
+}
+
+bool TWEditorTextView::isKeepSelection(Qt::KeyboardModifiers modifiers)
+{
+    return modifiers & Qt::ControlModifier;
+}
+
+void TWEditorTextView::clearDragState()
+{
+    dropSign = false;
+    fileDrop = false;
+    keepSelection = false;
+}
+
+void TWEditorTextView::placeDropSelection(const QPointF &position, Qt::KeyboardModifiers modifiers)
+{
+    if (isKeepSelection(modifiers)) {
+        setSelectedRange(selectionBeforeDragging);
+        keepSelection = true;
+    } else {
+        setTextCursor(cursorForPosition(position.toPoint()));
+        keepSelection = false;
+    }
+    viewport()->update();
+}
+
+void TWEditorTextView::dragEnterEvent(QDragEnterEvent *event)
+{
+    const QStringList files = droppedFiles(event->mimeData());
+    if (files.isEmpty()) {
+        QPlainTextEdit::dragEnterEvent(event);
+        return;
+    }
+    selectionBeforeDragging = selectedRange();
+    fileDrop = true;
+    if (files.size() > 1) {
+        // Several files at once are refused.
+        dropSign = false;
+        keepSelection = false;
+        event->ignore();
+        return;
+    }
+    dropSign = true;
+    placeDropSelection(event->position(), event->modifiers());
+    event->setDropAction(Qt::LinkAction);
+    event->accept();
+}
+
+void TWEditorTextView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (!fileDrop) {
+        QPlainTextEdit::dragMoveEvent(event);
+        return;
+    }
+    if (!dropSign) {
+        event->ignore();
+        return;
+    }
+    placeDropSelection(event->position(), event->modifiers());
+    event->setDropAction(Qt::LinkAction);
+    event->accept();
+}
+
+void TWEditorTextView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    if (!fileDrop) {
+        QPlainTextEdit::dragLeaveEvent(event);
+        return;
+    }
+    setSelectedRange(selectionBeforeDragging);
+    clearDragState();
+    viewport()->update();
+}
+
+void TWEditorTextView::dropEvent(QDropEvent *event)
+{
+    const QStringList files = droppedFiles(event->mimeData());
+    if (files.isEmpty() || !fileDrop) {
+        QPlainTextEdit::dropEvent(event);
+        return;
+    }
+    if (!dropSign) {
+        clearDragState();
+        event->ignore();
+        return;
+    }
+    placeDropSelection(event->position(), event->modifiers());
+    const QString file = files.first();
+    // Shift drops an image as a link to it.
+    if (isImageFile(file) && !(event->modifiers() & Qt::ShiftModifier))
+        insertImageOfFile(file);
+    else
+        insertLinkForFile(file);
+    event->setDropAction(Qt::LinkAction);
+    event->accept();
+    clearDragState();
+    viewport()->update();
+    // Typing goes on where the file went.
+    activateWindow();
+    setFocus(Qt::OtherFocusReason);
+}
+
+bool TWEditorTextView::shouldDrawInsertionPoint() const
+{
+    return dropSign && !(keepSelection && selectionBeforeDragging.length > 0);
+}
+
+void TWEditorTextView::paintEvent(QPaintEvent *event)
+{
+    QPlainTextEdit::paintEvent(event);
+    // While a file is dragged over the view (usually without the keyboard focus), the drop
+    // point is drawn as a caret so the user sees where the file will go.
+    if (shouldDrawInsertionPoint() && !hasFocus()) {
+        QPainter painter(viewport());
+        const QRect caret = cursorRect();
+        painter.fillRect(QRect(caret.left(), caret.top(), dropCaretWidth, caret.height()), palette().text());
+    }
 }
 
 QString TWEditorTextView::loadTextFromFile(const QString &path, bool *ok) const

@@ -1,16 +1,27 @@
 #pragma once
 
+#include "platform/TWRange.h"
+
 #include <QPlainTextEdit>
 #include <QString>
 
-// The editing view of every document window: a plain-text editor that reads and writes its
-// files in the chosen encoding and line end, keeps its own editing flags and shares the
-// suspension settings of all editors.
+class QUndoStack;
+class TWHTMLTag;
+
+// The editing view of every document window: a plain-text editor that defers colouring and
+// preview rendering until the user stops typing (by counting timers), indents new lines like
+// the line before, inserts tags, colour codes, links and images at the selection, takes one
+// dropped file as a link or an image, jumps to a line, and reads and writes its files in the
+// chosen encoding and line end.
 class TWEditorTextView : public QPlainTextEdit
 {
     Q_OBJECT
 public:
     explicit TWEditorTextView(QWidget *parent = nullptr);
+
+    // The text view that insertions and commands go to: the active text view of the frontmost
+    // visible document window, or nullptr.
+    static TWEditorTextView *textViewToBeEdited();
 
     // Shared by every editor text view: whether colouring and rendering wait until the user
     // stops typing, and for how long.
@@ -27,11 +38,46 @@ public:
     void toggleAutoIndentation();
     bool autoRenderEnabled() const { return autoRenderEnabledFlag; }
     void setAutoRenderEnabled(bool flag) { autoRenderEnabledFlag = flag; }
+    bool tagColoring() const { return tagColoringFlag; }
+    void setTagColoring(bool flag);
+    const QColor &editorTextColor() const { return editorTextColorValue; }
+    void setEditorTextColor(const QColor &color);
+
+    // Colouring timers scheduled and not yet fired.
+    int timerCount() const { return timerCountValue; }
+    // A direct request to repaint the tag colours: done now unless a colouring timer is pending.
+    void colorText();
+    // Paints the tag colours over the whole text.
+    virtual void paintTagColors() {}
+
+    // The handler run after every user edit (typing, paste, deletion, insertion; not a whole
+    // text replaced by a load): schedules the colouring and asks the viewer to render.
+    void textDidChange();
 
     // The whole text.
     QString string() const { return toPlainText(); }
-    // Replaces the whole text; this is a load, not an edit: the undo history starts afresh.
+    // Replaces the whole text; this is a load, not an edit: no textDidChange, and the undo
+    // history starts afresh.
     void setString(const QString &text);
+    TWRange selectedRange() const;
+    void setSelectedRange(TWRange range);
+    // Replaces the selection as if typed: undoable, and followed by textDidChange.
+    void insertText(const QString &text);
+
+    void insertTag(const TWHTMLTag &tag);
+    // Inserts the code and selects it, so that the next code chosen replaces it.
+    void insertColorCode(const QString &code);
+    void insertLinkForFile(const QString &path);
+    // Nothing happens when the file cannot be read as an image.
+    void insertImageOfFile(const QString &path);
+    // Puts the insertion point at the start of a line (1-based; below 1 means 1, beyond the
+    // last line means the end of the text), shows it and brings the window to the front.
+    void jumptoLineNumber(int lineNumber);
+
+    // The two halves of the template share one undo history, kept by their window.
+    void setSharedUndoStack(QUndoStack *stack) { sharedUndoStack = stack; }
+    void performUndo();
+    void performRedo();
 
     // The file's text with LF line ends in the preferred encoding. When the file cannot be
     // read or decoded: a beep, and the view's current text comes back (*ok false).
@@ -42,12 +88,50 @@ public:
     static QString convertReturnCodeOfTextToLF(const QString &text);
     static QString convertReturnCodeOfText(const QString &text, int returnCode);
 
+    // The text of an <a> opening tag and of an <img> tag for a file, as inserted.
+    static QString linkOpeningText(const QString &relativePath);
+    static QString imageText(const QString &relativePath, QSize pixels);
+
+Q_SIGNALS:
+    // After each user edit of the text (not after a load by setString).
+    void userEdited();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+    // During a file drag, whether the insertion point is drawn to show where the drop goes.
+    bool shouldDrawInsertionPoint() const;
+
 private:
+    void colouringTimerFired();
+    void autoIndentAfterReturn();
+    // Places the selection for a file drag: kept as it was before the drag (Ctrl held) or at
+    // the drop point.
+    void placeDropSelection(const QPointF &position, Qt::KeyboardModifiers modifiers);
+    static bool isKeepSelection(Qt::KeyboardModifiers modifiers);
+    static void clearDragState();
+
     static inline bool tagColoringSuspended = true;
     static inline bool renderSuspended = true;
-    // Negative until set: the first view to wake takes the preference.
+    // Negative until set: the first view to be made takes the preference.
     static inline float suspendTimeSeconds = -1.0f;
+    // One file drag is tracked at a time for all views.
+    static inline bool dropSign = false;
+    static inline bool fileDrop = false;
+    static inline bool keepSelection = false;
+    static inline TWRange selectionBeforeDragging = {0, 0};
 
     bool autoIndentationFlag = false;
+    bool tagColoringFlag = true;
     bool autoRenderEnabledFlag = true;
+    int timerCountValue = 0;
+    QColor editorTextColorValue;
+    bool loadingText = false;
+    QUndoStack *sharedUndoStack = nullptr;
 };

@@ -31,7 +31,7 @@ void TWQuitOnTerminationSignals(QCoreApplication *application)
     QObject::connect(notifier, &QSocketNotifier::activated, application, [] {
         char byte;
         [[maybe_unused]] const ssize_t got = ::read(signalPipe[1], &byte, 1);
-        QCoreApplication::quit();
+        QCoreApplication::exit(0);
     });
 
     struct sigaction action = {};

@@ -49,3 +49,11 @@ bool TWWindowOrder::isWindowVisible(const QWidget *window)
 {
     return window && window->isVisible() && !window->isMinimized();
 }
+
+void TWWindowOrder::showWindow(QWidget *window)
+{
+    window->show();
+    window->raise();
+    window->activateWindow();
+    shared()->bringToFront(window);
+}

@@ -20,6 +20,9 @@ public:
     // Shown and not minimised.
     static bool isWindowVisible(const QWidget *window);
 
+    // Shows a window in front and makes it the active one.
+    static void showWindow(QWidget *window);
+
     // Puts a window in front, as its activation would (also used when a window is shown
     // programmatically on a platform that does not activate it).
     void bringToFront(QWidget *window);

@@ -5,8 +5,6 @@
 
 #include <functional>
 
-class QObject;
-
 // What the documents and the preferences ask of the viewer: renders when due, the render
 // timers, the suspension time and the base URL that links and images are resolved against.
 // The viewer window controller implements it; shared() reaches the one viewer and creates
@@ -18,13 +16,14 @@ public:
 
     // Composes the page and renders it now, whatever the flags say.
     virtual void renderNow() = 0;
-    // Renders only when rendering is due: no render timer pending, auto-rendering on and
-    // the application no longer launching. `timer` is the firing render timer, or nullptr
-    // for a direct request.
-    virtual void renderIfAutorender(const QObject *timer) = 0;
+    // A direct request to render when rendering is due: no render timer pending,
+    // auto-rendering on and the application no longer launching.
+    virtual void renderIfAutorender() = 0;
     // Starts one suspended render: a one-shot timer of the suspension time.
     virtual void fireRenderTimer() = 0;
     virtual void setSuspensionTime(double seconds) = 0;
+    // The viewer's template button follows the template's apply flag.
+    virtual void setTemplateButtonState(bool templateApplied) = 0;
 
     virtual void setBaseURL(const QUrl &url) = 0;
     virtual void setBaseURLWithString(const QString &text) = 0;

@@ -11,9 +11,10 @@ class TWRecordingPreview : public TWPreview
 {
 public:
     void renderNow() override { ++renderNowCount; }
-    void renderIfAutorender(const QObject *timer) override { timer ? ++timerRenderRequests : ++directRenderRequests; }
+    void renderIfAutorender() override { ++directRenderRequests; }
     void fireRenderTimer() override { ++renderTimersFired; }
     void setSuspensionTime(double seconds) override { suspensionTimes << seconds; }
+    void setTemplateButtonState(bool applied) override { templateButtonStates << applied; }
     void setBaseURL(const QUrl &url) override { baseURL = url; }
     void setBaseURLWithString(const QString &text) override { baseURL = QUrl(text); }
     QString relativePathToBaseURL(const QString &path) override { return path.section(QLatin1Char('/'), -1); }
@@ -27,8 +28,8 @@ public:
 
     int renderNowCount = 0;
     int directRenderRequests = 0;
-    int timerRenderRequests = 0;
     int renderTimersFired = 0;
     QList<double> suspensionTimes;
+    QList<bool> templateButtonStates;
     QUrl baseURL;
 };

@@ -1,0 +1,172 @@
+#include "documents/TWCSSWindowController.h"
+
+#include "app/TWAppDelegate.h"
+#include "app/TWFileExtensions.h"
+#include "app/TWStateKeys.h"
+#include "app/TWWindowState.h"
+#include "editor/TWEditorTextView.h"
+#include "platform/TWFlag.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWPanels.h"
+#include "platform/TWTextKeys.h"
+#include "platform/TWWindowOrder.h"
+#include "preferences/TWPreferences.h"
+#include "preview/TWPreview.h"
+#include "ui_TWCSSWindow.h"
+
+#include <QFileInfo>
+#include <QMenuBar>
+
+namespace {
+
+TWCSSWindowController *sharedInstance = nullptr;
+
+constexpr char titleWithFile[] = "CSS:%1";
+constexpr char titleWithoutFile[] = "CSS:> %1 <";
+
+// Where the window opens on a first launch, beside the other document windows.
+constexpr QPoint defaultPosition(820, 520);
+
+} // namespace
+
+TWCSSWindowController *TWCSSWindowController::sharedCSSController()
+{
+    if (!sharedInstance)
+        new TWCSSWindowController(); // registers itself
+    return sharedInstance;
+}
+
+TWCSSWindowController::TWCSSWindowController()
+    : ui(new Ui::TWCSSWindow)
+{
+    if (!sharedInstance)
+        sharedInstance = this;
+    ui->setupUi(this);
+    cssTextView = ui->cssTextView;
+    TWAppDelegate::sharedAppDelegate()->populateMenuBar(menuBar());
+    awakeFromNib();
+}
+
+TWCSSWindowController::~TWCSSWindowController()
+{
+    if (sharedInstance == this)
+        sharedInstance = nullptr;
+    delete ui;
+}
+
+void TWCSSWindowController::awakeFromNib()
+{
+    changeFont(TWPreferences::sharedPref()->cssFont());
+    cssTextView->setTagColoring(false);
+    cssTextView->setAutoRenderEnabled(false);
+    cssTextView->setEditorTextColor(Qt::black);
+    TWWindowState::setFrameUsingName(this, TWFrameName::cssWindow, defaultPosition);
+    setCSSFilename(QString());
+
+    const std::optional<QVariantMap> defaults = TWWindowState::readDefaults(TWWindowDefaultsKey::cssWindow);
+    if (!defaults) {
+        setDefaultCSSText();
+        setCSSFilename(QString());
+        return;
+    }
+    if (const std::optional<QString> text = TWWindowState::stringEntry(*defaults, TWStateEntry::cssText))
+        loadCSS(*text);
+    else
+        setDefaultCSSText();
+    if (const std::optional<QString> name = TWWindowState::stringEntry(*defaults, TWStateEntry::cssFilename))
+        setCSSFilename(*name);
+    showAtLaunch = TWFlag::isNotNo(defaults->value(QLatin1String(TWStateEntry::showWindow)));
+}
+
+void TWCSSWindowController::loadCSSAtAppLaunch()
+{
+    if (showAtLaunch)
+        show();
+}
+
+void TWCSSWindowController::loadCSS(const QString &text)
+{
+    cssTextView->setString(text);
+}
+
+void TWCSSWindowController::setDefaultCSSText()
+{
+    loadCSS(QString());
+}
+
+void TWCSSWindowController::clearCSS()
+{
+    loadCSS(QString());
+    setCSSFilename(QString());
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderIfAutorender();
+}
+
+bool TWCSSWindowController::openCSSFile(const QString &path)
+{
+    bool decoded = false;
+    const QString text = cssTextView->loadTextFromFile(path, &decoded);
+    // A file that cannot be read changes nothing (see the HTML window).
+    if (!decoded)
+        return true;
+    setCSSFilename(path);
+    loadCSS(text);
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderIfAutorender();
+    return true;
+}
+
+void TWCSSWindowController::saveCSS()
+{
+    if (!cssFilenameValue.isEmpty())
+        saveCSSFileAs(cssFilenameValue);
+    else
+        saveDocumentAs();
+}
+
+void TWCSSWindowController::saveCSSFileAs(const QString &path)
+{
+    cssTextView->saveText(cssTextView->string(), path);
+    setCSSFilename(path);
+}
+
+void TWCSSWindowController::saveDocumentAs()
+{
+    const QString proposed = cssFilenameValue.isEmpty() ? QString() : QFileInfo(cssFilenameValue).fileName();
+    if (const std::optional<QString> path = TWPanels::runSavePanel(this, proposed, {QLatin1String(TWExtension::css)}))
+        saveCSSFileAs(*path);
+}
+
+QString TWCSSWindowController::titleForFilename(const QString &path)
+{
+    if (path.isEmpty())
+        return QString::fromLatin1(titleWithoutFile).arg(TWLocalizedString(TWTextKey::fileUnspecified));
+    return QString::fromLatin1(titleWithFile).arg(QFileInfo(path).fileName());
+}
+
+void TWCSSWindowController::setCSSFilename(const QString &path)
+{
+    cssFilenameValue = path;
+    setWindowTitle(titleForFilename(path));
+}
+
+void TWCSSWindowController::changeFont(const QFont &font)
+{
+    cssTextView->setFont(font);
+    update();
+}
+
+void TWCSSWindowController::showWindow()
+{
+    TWWindowOrder::showWindow(this);
+}
+
+void TWCSSWindowController::saveWindowProperties() const
+{
+    TWWindowState::saveFrameUsingName(this, TWFrameName::cssWindow);
+    QVariantMap defaults;
+    defaults.insert(QLatin1String(TWStateEntry::cssFilename), cssFilenameValue);
+    defaults.insert(QLatin1String(TWStateEntry::cssText), cssTextView->string());
+    defaults.insert(QLatin1String(TWStateEntry::showWindow), TWFlag::string(TWWindowOrder::isWindowVisible(this)));
+    TWWindowState::writeDefaults(TWWindowDefaultsKey::cssWindow, defaults);
+}
