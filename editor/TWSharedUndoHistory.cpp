@@ -46,5 +46,15 @@ TWSharedUndoHistory::TWSharedUndoHistory(QObject *parent)
 
 void TWSharedUndoHistory::follow(QTextDocument *document)
 {
-    connect(document, &QTextDocument::undoCommandAdded, this, [this, document] { push(new DocumentStep(document)); });
+    documents << document;
+    connect(document, &QTextDocument::undoCommandAdded, this, [this, document] {
+        push(new DocumentStep(document));
+        // A document merges a new insertion into its last undo step while it counts as
+        // modified. Once another document has taken a step, that would put two steps into
+        // one out of order: the others start afresh.
+        for (const QPointer<QTextDocument> &other : std::as_const(documents)) {
+            if (other && other != document)
+                other->setModified(false);
+        }
+    });
 }

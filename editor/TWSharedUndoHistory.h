@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QList>
+#include <QPointer>
+#include <QTextDocument>
 #include <QUndoStack>
-
-class QTextDocument;
 
 // One undo history for several text documents, as the two halves of the template have: each
 // edit of a followed document becomes a step of this history, and undo and redo take the
@@ -16,4 +17,7 @@ public:
     void follow(QTextDocument *document);
     // Forgets every step (after a whole text was replaced, its document's own history is gone).
     void forgetSteps() { clear(); }
+
+private:
+    QList<QPointer<QTextDocument>> documents;
 };

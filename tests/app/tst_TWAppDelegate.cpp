@@ -4,12 +4,16 @@
 
 #include "TWRecordingPreview.h"
 #include "app/TWStateKeys.h"
+#include "documents/TWCSSWindowController.h"
+#include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWXMLPropertyList.h"
 #include "preferences/TWPreferences.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -107,6 +111,39 @@ private Q_SLOTS:
         QCOMPARE(viewer.renderNowCount, 1);
     }
 
+    void filesAreRoutedByExtension_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("window");
+        QTest::newRow("style sheet") << QStringLiteral("page.css") << QStringLiteral("css");
+        QTest::newRow("style sheet, upper case") << QStringLiteral("page.CSS") << QStringLiteral("css");
+        QTest::newRow("template, mixed case") << QStringLiteral("site.TwTemp") << QStringLiteral("template");
+        QTest::newRow("HTML") << QStringLiteral("page.html") << QStringLiteral("html");
+        QTest::newRow("text file") << QStringLiteral("page.txt") << QStringLiteral("html");
+        QTest::newRow("no extension") << QStringLiteral("README") << QStringLiteral("html");
+        QTest::newRow("dot in folder only") << QStringLiteral("v1.css/page") << QStringLiteral("html");
+    }
+
+    void filesAreRoutedByExtension()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, window);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(name);
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("routed text");
+        file.close();
+
+        QVERIFY(TWAppDelegate::sharedAppDelegate()->openFile(path));
+        QCOMPARE(TWCSSWindowController::sharedCSSController()->cssFilename() == path, window == QLatin1String("css"));
+        QCOMPARE(TWTemplateWindowController::sharedTemplateController()->templateFilename() == path,
+                 window == QLatin1String("template"));
+        QCOMPARE(TWEditWindowController::sharedEditWindowController()->htmlFilename() == path,
+                 window == QLatin1String("html"));
+    }
+
     void quitSavesPreferencesRecordAndWindow()
     {
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
@@ -129,6 +166,8 @@ private Q_SLOTS:
                  QStringLiteral("<p>typed before quitting</p>"));
         QVERIFY(editor.contains(QLatin1String(TWStateEntry::htmlFilename)));
         QCOMPARE(editor.value(QLatin1String(TWStateEntry::autoIndentation)).toString(), QStringLiteral("NO"));
+        QVERIFY(disk.value(QLatin1String(TWWindowDefaultsKey::templateWindow)).toMap().contains(QLatin1String(TWStateEntry::templateText)));
+        QVERIFY(disk.value(QLatin1String(TWWindowDefaultsKey::cssWindow)).toMap().contains(QLatin1String(TWStateEntry::cssText)));
     }
 };
 

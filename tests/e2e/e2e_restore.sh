@@ -15,19 +15,35 @@ e2e_focus "$E2E_WINDOW"
 xdotool key --clearmodifiers ctrl+End
 xdotool type --delay 20 '<p>typed under Xvfb</p>'
 xdotool key Return
+# The template and style-sheet windows are open beside it on a first launch.
+TEMPLATE=$(timeout 10 xdotool search --sync --onlyvisible --name '^Template:' | head -n 1) || e2e_fail "no template window"
+CSS=$(timeout 10 xdotool search --sync --onlyvisible --name '^CSS:' | head -n 1) || e2e_fail "no style-sheet window"
+e2e_focus "$TEMPLATE"
+xdotool key --clearmodifiers ctrl+End
+xdotool type --delay 20 '<!-- template edit -->'
+e2e_focus "$CSS"
+xdotool type --delay 20 'h1 { color: teal }'
 sleep 0.5
 e2e_screenshot "$SHOTS/e2e_restore-first-launch.png"
 e2e_quit
-e2e_store | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the typed line was not saved at quit"
+store=$(e2e_store)
+echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the typed line was not saved at quit"
+echo "$store" | grep -q '&lt;!-- template edit --&gt;' || e2e_fail "the template edit was not saved at quit"
+echo "$store" | grep -q 'h1 { color: teal }' || e2e_fail "the style sheet was not saved at quit"
 
 # Second launch: the line is back; type a second one, which must join it.
 e2e_start "$APP"
+xdotool search --onlyvisible --name '^Template:' >/dev/null || e2e_fail "the template window was not shown again"
+xdotool search --onlyvisible --name '^CSS:' >/dev/null || e2e_fail "the style-sheet window was not shown again"
 e2e_focus "$E2E_WINDOW"
 xdotool key --clearmodifiers ctrl+End
 xdotool type --delay 20 '<p>second session</p>'
 sleep 0.3
+e2e_screenshot "$SHOTS/e2e_restore-second-launch.png"
 e2e_quit
 store=$(e2e_store)
+echo "$store" | grep -q '&lt;!-- template edit --&gt;' || e2e_fail "the template edit was not restored"
+echo "$store" | grep -q 'h1 { color: teal }' || e2e_fail "the style sheet was not restored"
 echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the first line was not restored"
 echo "$store" | grep -q '&lt;p&gt;second session&lt;/p&gt;' || e2e_fail "the second line was not saved"
 
