@@ -12,6 +12,8 @@
 #include "platform/TWUserDefaults.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
+#include "preview/TWExternalBrowser.h"
+#include "preview/TWViewWindowController.h"
 
 #include <QAction>
 #include <QApplication>
@@ -26,6 +28,9 @@
 namespace {
 
 TWAppDelegate *sharedInstance = nullptr;
+
+// The In Browser submenu lists at most this many browsers.
+constexpr int maxBrowserItems = 10;
 
 // What the File > Open panel offers: every kind of document, and text files without an
 // extension.
@@ -74,6 +79,7 @@ TWAppDelegate::~TWAppDelegate()
 {
     if (sharedInstance == this)
         sharedInstance = nullptr;
+    delete browserMenu;
 }
 
 void TWAppDelegate::createActions()
@@ -137,6 +143,28 @@ void TWAppDelegate::createActions()
     showTemplateWindowAction
         = make(tr("&Template"), QKeySequence(Qt::CTRL | Qt::Key_2), &TWAppDelegate::showTemplateWindow);
     showCSSWindowAction = make(tr("&Style Sheet"), QKeySequence(Qt::CTRL | Qt::Key_3), &TWAppDelegate::showCSSWindow);
+    showViewWindowAction = make(tr("&Viewer"), QKeySequence(Qt::CTRL | Qt::Key_4), &TWAppDelegate::showViewWindow);
+
+    const auto viewer = [] { return TWViewWindowController::sharedViewWindowController(); };
+    renderNowAction = make(tr("&Render Now"), QKeySequence(Qt::CTRL | Qt::Key_R), [viewer] { viewer()->renderNow(); });
+    autoRenderingMenu = make(tr("&Auto Rendering"), QKeySequence(), [viewer] { viewer()->toggleAutoRender(); });
+    autoRenderingMenu->setCheckable(true);
+    autoRenderingMenu->setChecked(true);
+    stopRenderingAction = make(tr("&Stop Rendering"), QKeySequence(Qt::CTRL | Qt::Key_Period),
+                               [viewer] { viewer()->stopRendering(); });
+    applyCSSMenu = make(tr("Apply &CSS"), QKeySequence(), [viewer] { viewer()->toggleApplyCSS(); });
+    applyCSSMenu->setCheckable(true);
+    lineBreakValidationMenuItem = make(tr("&Line Breaks as <br>"), QKeySequence(),
+                                       [viewer] { viewer()->toggleLineBreakValidation(); });
+    lineBreakValidationMenuItem->setCheckable(true);
+    clearCacheAction = make(tr("C&lear Cache"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R),
+                            [viewer] { viewer()->clearCache(); });
+    saveCSSAndClearCacheAction = make(tr("Save CSS and Clear Cache"), QKeySequence(), [viewer] {
+        TWCSSWindowController::sharedCSSController()->saveCSS();
+        viewer()->clearCache();
+    });
+    // One submenu, shown in every window's View menu.
+    browserMenu = new QMenu(tr("In &Browser"));
 }
 
 void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
@@ -166,13 +194,25 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     edit->addAction(autoIndentMenu);
     edit->addAction(jumpToLineAction);
 
-    QMenu *preview = menuBar->addMenu(tr("&Preview"));
-    preview->addAction(applyTemplateMenu);
+    QMenu *view = menuBar->addMenu(tr("&View"));
+    view->addAction(renderNowAction);
+    view->addAction(autoRenderingMenu);
+    view->addAction(stopRenderingAction);
+    view->addSeparator();
+    view->addAction(applyTemplateMenu);
+    view->addAction(applyCSSMenu);
+    view->addAction(lineBreakValidationMenuItem);
+    view->addSeparator();
+    view->addAction(clearCacheAction);
+    view->addAction(saveCSSAndClearCacheAction);
+    view->addSeparator();
+    view->addMenu(browserMenu);
 
     QMenu *window = menuBar->addMenu(tr("&Window"));
     window->addAction(showEditWindowAction);
     window->addAction(showTemplateWindowAction);
     window->addAction(showCSSWindowAction);
+    window->addAction(showViewWindowAction);
 }
 
 void TWAppDelegate::applicationWillFinishLaunching()
@@ -180,6 +220,7 @@ void TWAppDelegate::applicationWillFinishLaunching()
     TWPreferences::sharedPref();
     TWTemplateWindowController::sharedTemplateController();
     TWCSSWindowController::sharedCSSController();
+    TWPreview::shared();
     TWEditWindowController::sharedEditWindowController();
 }
 
@@ -190,8 +231,11 @@ bool TWAppDelegate::applicationOpenFile(const QString &path)
 
 void TWAppDelegate::applicationDidFinishLaunching()
 {
+    setViewOnExBrowserMenu();
     TWTemplateWindowController::sharedTemplateController()->loadTemplateAtAppLaunch();
     TWCSSWindowController::sharedCSSController()->loadCSSAtAppLaunch();
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->setupAtAppLaunch();
     TWEditWindowController::sharedEditWindowController()->loadTextAtAppLaunch();
     launching = false;
 }
@@ -201,6 +245,8 @@ void TWAppDelegate::applicationWillTerminate()
     TWPreferences::sharedPref()->savePrefs();
     saveAppProperties();
     TWEditWindowController::sharedEditWindowController()->saveWindowProperties();
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->saveWindowProperties();
     TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
     TWCSSWindowController::sharedCSSController()->saveWindowProperties();
     // The preferences flushed the store already; the window state written since must
@@ -233,6 +279,43 @@ void TWAppDelegate::setAutoIndentationMenu(bool flag)
 void TWAppDelegate::setApplyTemplateMenuState(bool flag)
 {
     applyTemplateMenu->setChecked(flag);
+}
+
+void TWAppDelegate::setAutoRenderMenu(bool flag)
+{
+    autoRenderingMenu->setChecked(flag);
+}
+
+void TWAppDelegate::setApplyCSSMenuState(bool flag)
+{
+    applyCSSMenu->setChecked(flag);
+}
+
+void TWAppDelegate::setLineBreakValidationMenu(bool flag)
+{
+    lineBreakValidationMenuItem->setChecked(flag);
+}
+
+void TWAppDelegate::setViewOnExBrowserMenu()
+{
+    browserMenu->clear();
+    const QStringList browsers = TWPreferences::sharedPref()->exBrowsers();
+    for (int index = 0; index < std::min<int>(int(browsers.size()), maxBrowserItems); ++index) {
+        QAction *item = browserMenu->addAction(TWExternalBrowser::title(browsers.at(index)));
+        // Keys 1 to 9, then 0 for the tenth.
+        const Qt::Key digit = Qt::Key(Qt::Key_0 + (index + 1) % 10);
+        item->setShortcut(QKeySequence(Qt::CTRL | Qt::META | digit));
+        item->setShortcutContext(Qt::ApplicationShortcut);
+        connect(item, &QAction::triggered, this, [this, index] { viewOnExBrowser(index); });
+    }
+}
+
+void TWAppDelegate::viewOnExBrowser(int index)
+{
+    // The list is read afresh: the submenu is rebuilt whenever it changes, so the places agree.
+    const QStringList browsers = TWPreferences::sharedPref()->exBrowsers();
+    if (index >= 0 && index < browsers.size())
+        TWViewWindowController::sharedViewWindowController()->viewOnApp(browsers.at(index));
 }
 
 TWDocumentWindow *TWAppDelegate::keyDocumentWindow() const
@@ -331,4 +414,9 @@ void TWAppDelegate::showTemplateWindow()
 void TWAppDelegate::showCSSWindow()
 {
     TWCSSWindowController::sharedCSSController()->showWindow();
+}
+
+void TWAppDelegate::showViewWindow()
+{
+    TWViewWindowController::sharedViewWindowController()->showWindow();
 }

@@ -5,6 +5,7 @@
 #include <QString>
 
 class QAction;
+class QMenu;
 class QMenuBar;
 class TWDocumentWindow;
 class TWLineNumberDialog;
@@ -36,12 +37,20 @@ public:
     // Menu state.
     void setAutoIndentationMenu(bool flag);
     void setApplyTemplateMenuState(bool flag);
+    void setAutoRenderMenu(bool flag);
+    void setApplyCSSMenuState(bool flag);
+    void setLineBreakValidationMenu(bool flag);
+    // Rebuilds the In Browser submenu from the preference's browser list (ten at most).
+    void setViewOnExBrowserMenu();
+    QMenu *viewOnExBrowserMenu() const { return browserMenu; }
 
     // Commands.
     void jumpToLineNumber(int lineNumber);
     void showEditWindow();
     void showTemplateWindow();
     void showCSSWindow();
+    void showViewWindow();
+    void viewOnExBrowser(int index);
 
     // Adds the application's menus to a window's menu bar.
     void populateMenuBar(QMenuBar *menuBar);
@@ -51,6 +60,9 @@ public:
 
     QAction *autoIndentMenu = nullptr;
     QAction *applyTemplateMenu = nullptr;
+    QAction *autoRenderingMenu = nullptr;
+    QAction *applyCSSMenu = nullptr;
+    QAction *lineBreakValidationMenuItem = nullptr;
 
 private:
     TWAppDelegate();
@@ -84,6 +96,12 @@ private:
     QAction *showEditWindowAction = nullptr;
     QAction *showTemplateWindowAction = nullptr;
     QAction *showCSSWindowAction = nullptr;
+    QAction *showViewWindowAction = nullptr;
+    QAction *renderNowAction = nullptr;
+    QAction *stopRenderingAction = nullptr;
+    QAction *clearCacheAction = nullptr;
+    QAction *saveCSSAndClearCacheAction = nullptr;
+    QMenu *browserMenu = nullptr;
     TWLineNumberDialog *lineNumberDialog = nullptr;
 
     QString projectFilenameValue;

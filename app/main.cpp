@@ -3,6 +3,7 @@
 #include "editor/TWEditWindowController.h"
 #include "platform/TWLocalization.h"
 #include "platform/TWUnixSignals.h"
+#include "preview/TWViewWindowController.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -10,6 +11,8 @@
 
 int main(int argc, char **argv)
 {
+    // The preview engine shares its drawing contexts with the application.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Tagwright"));
     QApplication::setApplicationName(QStringLiteral("Tagwright"));
@@ -26,6 +29,7 @@ int main(int argc, char **argv)
     TWInstallTranslations(&application);
     TWQuitOnTerminationSignals(&application);
 
+    TWPreview::setFactory([] { return TWViewWindowController::sharedViewWindowController(); });
     TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
     delegate->applicationWillFinishLaunching();
     for (const QString &path : parser.positionalArguments())

@@ -25,7 +25,7 @@ constexpr char titleWithFile[] = "CSS:%1";
 constexpr char titleWithoutFile[] = "CSS:> %1 <";
 
 // Where the window opens on a first launch, beside the other document windows.
-constexpr QPoint defaultPosition(820, 520);
+constexpr QPoint defaultPosition(1640, 520);
 
 } // namespace
 

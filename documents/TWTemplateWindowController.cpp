@@ -36,7 +36,7 @@ void renderIfAutorender()
 }
 
 // Where the window opens on a first launch, beside the other document windows.
-constexpr QPoint defaultPosition(820, 40);
+constexpr QPoint defaultPosition(1640, 40);
 
 } // namespace
 

@@ -12,6 +12,7 @@
 #include "platform/TWTextKeys.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
+#include "preview/TWPageComposer.h"
 #include "preview/TWPreview.h"
 #include "ui_TWEditWindow.h"
 
@@ -29,7 +30,7 @@ constexpr char titleWithoutFile[] = "HTML:> %1 <";
 constexpr char defaultPageResource[] = ":/defaultPage.txt";
 
 // Where the window opens on a first launch, beside the other document windows.
-constexpr QPoint defaultPosition(40, 40);
+constexpr QPoint defaultPosition(20, 40);
 
 } // namespace
 
@@ -144,7 +145,7 @@ bool TWEditWindowController::openHTMLFile(const QString &path)
         return true;
     setHTMLFilename(path);
     if (TWPreview *viewer = TWPreview::shared())
-        viewer->setBaseURL(QUrl::fromLocalFile(path));
+        viewer->setBaseURL(TWPageComposer::fileURL(path));
     loadHTML(text);
     return true;
 }
@@ -162,7 +163,7 @@ void TWEditWindowController::saveHTMLFileAs(const QString &path)
     htmlText->saveText(getText(), path);
     setHTMLFilename(path);
     if (TWPreview *viewer = TWPreview::shared())
-        viewer->setBaseURL(QUrl::fromLocalFile(path));
+        viewer->setBaseURL(TWPageComposer::fileURL(path));
 }
 
 void TWEditWindowController::saveDocumentAs()

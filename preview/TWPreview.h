@@ -31,6 +31,11 @@ public:
     // of a file base URL when the file lies below it, else the bare file name).
     virtual QString relativePathToBaseURL(const QString &path) = 0;
 
+    // Start-up and quit: brings the flags' buttons, menus and style sheet into line and the
+    // window to the front; keeps the window state and removes the temporary page file.
+    virtual void setupAtAppLaunch() = 0;
+    virtual void saveWindowProperties() = 0;
+
     // The viewer, created through the installed factory on first use; nullptr while the
     // application has no viewer.
     static TWPreview *shared();

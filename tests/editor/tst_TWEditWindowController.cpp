@@ -11,6 +11,7 @@
 #include "platform/TWPanels.h"
 #include "platform/TWUserDefaults.h"
 #include "preferences/TWPreferences.h"
+#include "preview/TWPageComposer.h"
 
 #include <QAction>
 #include <QApplication>
@@ -118,7 +119,7 @@ private Q_SLOTS:
         QCOMPARE(window->getText(), QString::fromUtf8("<p>日本</p>\n<p>2</p>\n"));
         QCOMPARE(window->htmlFilename(), path);
         QCOMPARE(window->windowTitle(), QStringLiteral("HTML:euc.html"));
-        QCOMPARE(viewer.baseURL, QUrl::fromLocalFile(path));
+        QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
         QCOMPARE(viewer.directRenderRequests, renders + 1);
         QCOMPARE(TWBeepCount(), 0);
     }
@@ -175,7 +176,7 @@ private Q_SLOTS:
         QCOMPARE(offered, (QStringList{QStringLiteral("html"), QStringLiteral("htm")}));
         QCOMPARE(readBytes(path), QByteArray("<p>\x93\xfa\x96{</p>\r\n"));
         QCOMPARE(window->windowTitle(), QStringLiteral("HTML:page.html"));
-        QCOMPARE(viewer.baseURL, QUrl::fromLocalFile(path));
+        QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
 
         // Save As again proposes the current name.
         TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &) {

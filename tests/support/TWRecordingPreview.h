@@ -18,6 +18,8 @@ public:
     void setBaseURL(const QUrl &url) override { baseURL = url; }
     void setBaseURLWithString(const QString &text) override { baseURL = QUrl(text); }
     QString relativePathToBaseURL(const QString &path) override { return path.section(QLatin1Char('/'), -1); }
+    void setupAtAppLaunch() override { ++setupCount; }
+    void saveWindowProperties() override { ++savedCount; }
 
     // Makes this the viewer that TWPreview::shared() answers, for the life of the object.
     void install()
@@ -31,5 +33,7 @@ public:
     int renderTimersFired = 0;
     QList<double> suspensionTimes;
     QList<bool> templateButtonStates;
+    int setupCount = 0;
+    int savedCount = 0;
     QUrl baseURL;
 };

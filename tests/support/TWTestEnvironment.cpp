@@ -1,6 +1,7 @@
 #include "TWTestEnvironment.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QDir>
 
 #include <cstdlib>
@@ -29,6 +30,11 @@ std::string makePrivateHome()
         setenv(name, value.c_str(), 1);
     }
     chmod((home + "/runtime").c_str(), 0700);
+    // The preview engine shares drawing contexts with the application, and refuses to run as
+    // root with its sandbox on.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    if (geteuid() == 0)
+        setenv("QTWEBENGINE_DISABLE_SANDBOX", "1", 0);
     // The private home goes when the test process ends.
     std::atexit([] {
         const char *dir = std::getenv("HOME");
