@@ -151,6 +151,11 @@ void TWViewWindowController::awakeFromNib()
     // The page belongs to the shared profile, which carries the viewer fonts.
     auto *page = new QWebEnginePage(TWWebPreferences::profile(), webViewValue);
     webViewValue->setPage(page);
+    // The engine shuts down with the application object; the page must be gone by then.
+    qAddPostRoutine([] {
+        if (sharedInstance)
+            delete sharedInstance->webView()->page();
+    });
     TWWebPreferences::apply(*TWPreferences::sharedPref());
 
     connect(page, &QWebEnginePage::loadStarted, this, &TWViewWindowController::loadStarted);

@@ -2,7 +2,6 @@
 
 #include "preferences/TWPreferences.h"
 
-#include <QCoreApplication>
 #include <QFontInfo>
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
@@ -10,7 +9,9 @@
 QWebEngineProfile *TWWebPreferences::profile()
 {
     static QWebEngineProfile *shared = [] {
-        auto *profile = new QWebEngineProfile(QCoreApplication::instance());
+        // Like every shared object it lives as long as the process; the viewer's page must
+        // never outlive it.
+        auto *profile = new QWebEngineProfile();
         profile->settings()->setAttribute(QWebEngineSettings::AutoLoadImages, true);
         return profile;
     }();

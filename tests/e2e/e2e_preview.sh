@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# The real app under Xvfb: what the user types into the HTML window appears in the viewer,
+# read back from the page itself through the engine's debugging port.
+set -euo pipefail
+APP=$(realpath "$1")
+HERE=$(dirname "$(realpath "$0")")
+source "$HERE/lib.sh"
+e2e_setup
+SHOTS="${E2E_SCREENSHOT_DIR:-$(dirname "$APP")/screenshots}"
+PORT=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+export QTWEBENGINE_REMOTE_DEBUGGING="127.0.0.1:$PORT"
+
+page_text() { python3 "$HERE/pagetext.py" "$PORT" "${1:-document.body.innerText}"; }
+
+e2e_start "$APP"
+# The one render at the end of the launch shows the default page.
+for _ in $(seq 100); do page_text 2>/dev/null | grep -q 'Welcome to Tagwright' && break; sleep 0.2; done
+page_text | grep -q 'Welcome to Tagwright' || e2e_fail "the viewer did not show the default page"
+
+e2e_focus "$E2E_WINDOW"
+xdotool key --clearmodifiers ctrl+End
+xdotool type --delay 20 '<p id="typed">Typed into the editor</p>'
+found=
+for _ in $(seq 100); do
+  if page_text 'document.getElementById("typed") ? document.getElementById("typed").textContent : ""' 2>/dev/null \
+     | grep -q 'Typed into the editor'; then found=1; break; fi
+  sleep 0.2
+done
+[ -n "$found" ] || e2e_fail "the typed paragraph did not reach the viewer"
+# The template wraps it: its title names the window.
+VIEWER=$(xdotool search --onlyvisible --name 'Tagwright" Sample' | head -n 1) || e2e_fail "the viewer window is not titled by the page"
+sleep 0.5
+e2e_screenshot "$SHOTS/e2e_preview.png"
+e2e_quit
+[ ! -e "$XDG_DATA_HOME/Tagwright/Tagwright_tmp.html" ] || e2e_fail "the temporary page file was left behind"
+echo "PASS"
