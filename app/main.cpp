@@ -34,7 +34,8 @@ int main(int argc, char **argv)
     delegate->applicationWillFinishLaunching();
     for (const QString &path : parser.positionalArguments())
         delegate->applicationOpenFile(QFileInfo(path).absoluteFilePath());
+    TWReportLaunchTime(TWEditWindowController::sharedEditWindowController(),
+                       TWViewWindowController::sharedViewWindowController());
     delegate->applicationDidFinishLaunching();
-    TWReportLaunchTimeOnFirstPaint(TWEditWindowController::sharedEditWindowController());
     return application.exec();
 }

@@ -45,19 +45,17 @@ TWViewWindowController *sharedInstance = nullptr;
 
 constexpr char noTitleFormat[] = "(%1)";
 constexpr QPoint defaultPosition(800, 40);
-// The engine takes a page handed over directly only while its encoded form stays below 2 MB.
-constexpr qsizetype directPageLimit = 2 * 1024 * 1024 - 4096;
+// A page handed over directly travels as a percent-encoded address, which the engine takes only
+// up to 2 MB and decodes slowly well before that; larger pages are written into the document.
+constexpr qsizetype directPageBytes = 256 * 1024;
 constexpr char emptyDocument[] = "<!DOCTYPE html><html><head></head><body></body></html>";
 // A page whose scripts do not answer within this time is stopped by ending its process.
 constexpr int unresponsiveMilliseconds = 400;
 
 bool fitsDirectly(const QString &page)
 {
-    // Cheap bound first: percent-encoding at most triples a byte.
-    const QByteArray bytes = page.toUtf8();
-    if (bytes.size() * 3 < directPageLimit)
-        return true;
-    return bytes.toPercentEncoding().size() < directPageLimit;
+    // UTF-8 takes at most three bytes for one UTF-16 unit.
+    return page.size() * 3 <= directPageBytes || page.toUtf8().size() <= directPageBytes;
 }
 
 // Icons of the option buttons: the name, and the name struck through for the pressed state,
