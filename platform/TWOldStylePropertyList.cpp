@@ -8,6 +8,7 @@ namespace {
 
 constexpr int indentWidth = 4;
 
+// The characters of a bare (unquoted) string, in writing and in reading.
 bool isBareCharacter(char16_t c)
 {
     return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_'
@@ -25,20 +26,28 @@ int hexValue(char16_t c)
     return -1;
 }
 
+bool canBeBare(const QString &text)
+{
+    if (text.isEmpty())
+        return false;
+    // A bare "//x" would be read back as a comment. ("/*" cannot occur: '*' is not bare.)
+    if (text.startsWith(QLatin1String("//")))
+        return false;
+    for (const QChar c : text) {
+        if (!isBareCharacter(c.unicode()))
+            return false;
+    }
+    return true;
+}
+
 void appendString(QString &out, const QString &text)
 {
-    bool bare = !text.isEmpty();
-    for (const QChar c : text) {
-        if (!isBareCharacter(c.unicode())) {
-            bare = false;
-            break;
-        }
-    }
-    if (bare) {
+    if (canBeBare(text)) {
         out += text;
         return;
     }
-    out += QLatin1Char('"');
+    static constexpr char hexDigits[] = "0123456789abcdef";
+    out += u'"';
     for (const QChar c : text) {
         const char16_t u = c.unicode();
         switch (u) {
@@ -51,34 +60,50 @@ void appendString(QString &out, const QString &text)
             if (u >= 0x20 && u < 0x7f) {
                 out += c;
             } else {
-                out += QLatin1String("\\U");
-                out += QStringLiteral("%1").arg(uint(u), 4, 16, QLatin1Char('0'));
+                // One escape per UTF-16 unit, so a character beyond the BMP takes two.
+                const char escape[] = {'\\', 'U', hexDigits[u >> 12], hexDigits[(u >> 8) & 0xf],
+                                       hexDigits[(u >> 4) & 0xf], hexDigits[u & 0xf]};
+                out += QLatin1String(escape, sizeof escape);
             }
         }
     }
-    out += QLatin1Char('"');
+    out += u'"';
 }
 
+void appendIndent(QString &out, int level)
+{
+    out.append(QString(indentWidth * level, u' '));
+}
+
+// level is the nesting of the value (0 for the root); a value nested deeper than the reader
+// accepts is refused, so that everything written can be read back.
 bool appendValue(QString &out, const QVariant &value, int level)
 {
-    const QString indent(indentWidth * (level + 1), QLatin1Char(' '));
-    const QString closingIndent(indentWidth * level, QLatin1Char(' '));
+    if (level >= TWOldStylePropertyList::maxDepth)
+        return false;
     switch (value.typeId()) {
     case QMetaType::QString:
         appendString(out, value.toString());
         return true;
     case QMetaType::QByteArray:
-        out += QLatin1Char('<') + QString::fromLatin1(value.toByteArray().toHex()) + QLatin1Char('>');
+        out += u'<';
+        out += QLatin1String(value.toByteArray().toHex());
+        out += u'>';
         return true;
     case QMetaType::Bool:
         out += value.toBool() ? QLatin1String("YES") : QLatin1String("NO");
         return true;
     case QMetaType::Int:
     case QMetaType::UInt:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Long:
+    case QMetaType::ULong:
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
     case QMetaType::Double:
     case QMetaType::Float:
+        // The form has no numbers: they become strings, and read back as strings.
         appendString(out, value.toString());
         return true;
     case QMetaType::QVariantList:
@@ -90,12 +115,13 @@ bool appendValue(QString &out, const QVariant &value, int level)
         }
         out += QLatin1String("(\n");
         for (qsizetype i = 0; i < list.size(); ++i) {
-            out += indent;
+            appendIndent(out, level + 1);
             if (!appendValue(out, list.at(i), level + 1))
                 return false;
             out += i + 1 < list.size() ? QLatin1String(",\n") : QLatin1String("\n");
         }
-        out += closingIndent + QLatin1Char(')');
+        appendIndent(out, level);
+        out += u')';
         return true;
     }
     case QMetaType::QVariantMap: {
@@ -106,14 +132,15 @@ bool appendValue(QString &out, const QVariant &value, int level)
         }
         out += QLatin1String("{\n");
         for (auto it = map.cbegin(); it != map.cend(); ++it) {
-            out += indent;
+            appendIndent(out, level + 1);
             appendString(out, it.key());
             out += QLatin1String(" = ");
             if (!appendValue(out, it.value(), level + 1))
                 return false;
             out += QLatin1String(";\n");
         }
-        out += closingIndent + QLatin1Char('}');
+        appendIndent(out, level);
+        out += u'}';
         return true;
     }
     default:
@@ -151,10 +178,21 @@ public:
     QString error;
 
 private:
+    // Records the first reason with the line and column where it was found: the tag library
+    // text is edited by hand.
     std::nullopt_t fail(const QString &why)
     {
-        if (error.isEmpty())
-            error = QStringLiteral("%1 at character %2").arg(why).arg(pos);
+        if (!error.isEmpty())
+            return std::nullopt;
+        qsizetype line = 1;
+        qsizetype lineStart = 0;
+        for (qsizetype i = 0; i < pos && i < size; ++i) {
+            if (at(i) == u'\n') {
+                ++line;
+                lineStart = i + 1;
+            }
+        }
+        error = QStringLiteral("%1 at line %2, column %3").arg(why).arg(line).arg(pos - lineStart + 1);
         return std::nullopt;
     }
 
@@ -191,7 +229,7 @@ private:
     std::optional<QVariant> parseValue(int depth)
     {
         if (depth > TWOldStylePropertyList::maxDepth)
-            return fail(QStringLiteral("nesting too deep"));
+            return fail(QStringLiteral("nesting deeper than %1 levels").arg(TWOldStylePropertyList::maxDepth));
         if (pos >= size)
             return fail(QStringLiteral("value expected"));
         const char16_t c = at(pos);
@@ -273,6 +311,8 @@ private:
             }
             default:
                 if (e >= u'0' && e <= u'7') {
+                    // Taken as the character of that code (Latin-1 above 127); the writer
+                    // never produces it.
                     uint code = e - u'0';
                     for (int digits = 1; digits < 3 && pos < size && at(pos) >= u'0' && at(pos) <= u'7'; ++digits)
                         code = code * 8 + (at(pos++) - u'0');

@@ -15,7 +15,8 @@ class TWOldStylePropertyList
 {
 public:
     // Plain-ASCII text of the value. A string is written bare when it is not empty and consists
-    // only of ASCII letters, digits and the characters _ $ + / : . - ; otherwise it is quoted,
+    // only of ASCII letters, digits and the characters _ $ + / : . - (and does not begin with
+    // //, which would read as a comment); otherwise it is quoted,
     // with \" for a double quote, \\ for a backslash, \n, \t, \r for those controls and
     // \UXXXX (four lower-case hex digits of the UTF-16 unit) for every other character outside
     // printable ASCII. Numbers and booleans are written as their text (2, YES, NO), as the

@@ -4,7 +4,6 @@
 #include <QLocale>
 #include <QStringList>
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 #include <charconv>
 #include <cmath>
@@ -12,140 +11,180 @@
 namespace {
 
 constexpr char dateFormat[] = "yyyy-MM-ddTHH:mm:ssZ";
-constexpr char doctype[]
-    = "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">";
+constexpr char header[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                          "<plist version=\"1.0\">\n";
 
-// XML 1.0 cannot carry most control characters, not even escaped: a string holding one has
-// no property-list form, and writing it would give a file no reader accepts.
-bool isXMLText(const QString &text)
-{
-    for (const QChar c : text) {
-        const char16_t u = c.unicode();
-        if (u < 0x20 && u != u'\t' && u != u'\n' && u != u'\r')
-            return false;
-        if (u == 0xFFFE || u == 0xFFFF)
-            return false;
-    }
-    return true;
-}
-
+// Writes the standard layout: the root value at the left margin inside <plist>, one tab more
+// for each level of nesting, empty containers as <dict/> and <array/>, data on one line.
 class Writer
 {
 public:
-    explicit Writer(QByteArray *out)
-        : xml(out)
+    std::optional<QByteArray> document(const QVariant &root)
     {
-        xml.setAutoFormatting(true);
-        xml.setAutoFormattingIndent(-1); // one tab per level
-    }
-
-    bool writeDocument(const QVariant &root)
-    {
-        xml.writeStartDocument();
-        xml.writeDTD(QLatin1String(doctype));
-        xml.writeStartElement(QStringLiteral("plist"));
-        xml.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
-        if (!writeValue(root))
-            return false;
-        xml.writeEndElement();
-        xml.writeEndDocument();
-        return !xml.hasError();
+        out = header;
+        if (!value(root, 1))
+            return std::nullopt;
+        out += "</plist>\n";
+        return out;
     }
 
 private:
-    bool writeText(const QString &element, const QString &text)
+    // Element text in UTF-8 with & < > escaped. XML 1.0 cannot carry most control characters,
+    // not even as character references, nor U+FFFE, U+FFFF or a lone surrogate (which has no
+    // UTF-8 form at all): a string holding one has no property-list form and is refused, rather
+    // than written into a file nobody could read again, or read back as something else.
+    static std::optional<QByteArray> escaped(const QString &text)
     {
-        if (!isXMLText(text))
+        QString result;
+        result.reserve(text.size());
+        const qsizetype size = text.size();
+        for (qsizetype i = 0; i < size; ++i) {
+            const QChar c = text.at(i);
+            const char16_t u = c.unicode();
+            switch (u) {
+            case u'&': result += QLatin1String("&amp;"); continue;
+            case u'<': result += QLatin1String("&lt;"); continue;
+            case u'>': result += QLatin1String("&gt;"); continue;
+            // A reader turns a raw CR (and CR LF) into LF; as a character reference it survives.
+            case u'\r': result += QLatin1String("&#13;"); continue;
+            case u'\t':
+            case u'\n': result += c; continue;
+            default: break;
+            }
+            if (u < 0x20 || u == 0xFFFE || u == 0xFFFF)
+                return std::nullopt;
+            if (c.isHighSurrogate()) {
+                if (i + 1 >= size || !text.at(i + 1).isLowSurrogate())
+                    return std::nullopt;
+                result += c;
+                result += text.at(++i);
+                continue;
+            }
+            if (c.isLowSurrogate())
+                return std::nullopt;
+            result += c;
+        }
+        return result.toUtf8();
+    }
+
+    void indent(int depth) { out.append(depth - 1, '\t'); }
+
+    void element(int depth, const char *name, const QByteArray &text)
+    {
+        indent(depth);
+        out += '<';
+        out += name;
+        out += '>';
+        out += text;
+        out += "</";
+        out += name;
+        out += ">\n";
+    }
+
+    bool text(int depth, const char *name, const QString &content)
+    {
+        const std::optional<QByteArray> text = escaped(content);
+        if (!text)
             return false;
-        if (!text.contains(QLatin1Char('\r'))) {
-            xml.writeTextElement(element, text);
-            return true;
-        }
-        // A reader turns a raw CR (and CR LF) into LF; written as a character reference it
-        // survives.
-        xml.writeStartElement(element);
-        const QStringList pieces = text.split(QLatin1Char('\r'));
-        for (qsizetype i = 0; i < pieces.size(); ++i) {
-            if (i > 0)
-                xml.writeEntityReference(QStringLiteral("#13"));
-            if (!pieces.at(i).isEmpty())
-                xml.writeCharacters(pieces.at(i));
-        }
-        xml.writeEndElement();
+        element(depth, name, *text);
         return true;
     }
 
-    bool writeValue(const QVariant &value)
+    // depth counts the root value as 1, as the reader does, so nothing is written that the
+    // reader would refuse as too deep (and the recursion here stays bounded too).
+    bool value(const QVariant &value, int depth)
     {
+        if (depth > TWXMLPropertyList::maxDepth)
+            return false;
         switch (value.typeId()) {
         case QMetaType::QVariantMap: {
             const QVariantMap map = value.toMap();
-            xml.writeStartElement(QStringLiteral("dict"));
+            indent(depth);
+            if (map.isEmpty()) {
+                out += "<dict/>\n";
+                return true;
+            }
+            out += "<dict>\n";
             for (auto it = map.cbegin(); it != map.cend(); ++it) {
-                if (!writeText(QStringLiteral("key"), it.key()) || !writeValue(it.value()))
+                if (!text(depth + 1, "key", it.key()) || !this->value(it.value(), depth + 1))
                     return false;
             }
-            xml.writeEndElement();
+            indent(depth);
+            out += "</dict>\n";
             return true;
         }
         case QMetaType::QVariantList:
         case QMetaType::QStringList: {
             const QVariantList list = value.toList();
-            xml.writeStartElement(QStringLiteral("array"));
-            for (const QVariant &element : list) {
-                if (!writeValue(element))
+            indent(depth);
+            if (list.isEmpty()) {
+                out += "<array/>\n";
+                return true;
+            }
+            out += "<array>\n";
+            for (const QVariant &item : list) {
+                if (!this->value(item, depth + 1))
                     return false;
             }
-            xml.writeEndElement();
+            indent(depth);
+            out += "</array>\n";
             return true;
         }
         case QMetaType::QString:
-            return writeText(QStringLiteral("string"), value.toString());
+            return text(depth, "string", value.toString());
         case QMetaType::QByteArray:
-            xml.writeTextElement(QStringLiteral("data"), QString::fromLatin1(value.toByteArray().toBase64()));
+            element(depth, "data", value.toByteArray().toBase64());
             return true;
         case QMetaType::Bool:
-            xml.writeEmptyElement(value.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
+            indent(depth);
+            out += value.toBool() ? "<true/>\n" : "<false/>\n";
             return true;
         case QMetaType::Int:
         case QMetaType::LongLong:
         case QMetaType::Short:
         case QMetaType::Long:
-            xml.writeTextElement(QStringLiteral("integer"), QString::number(value.toLongLong()));
+            element(depth, "integer", QByteArray::number(value.toLongLong()));
             return true;
         case QMetaType::UInt:
         case QMetaType::ULongLong:
         case QMetaType::UShort:
         case QMetaType::ULong:
-            xml.writeTextElement(QStringLiteral("integer"), QString::number(value.toULongLong()));
+            element(depth, "integer", QByteArray::number(value.toULongLong()));
             return true;
         case QMetaType::Float: {
+            // Non-finite reals are refused: the reader takes a real to be a number.
             const float number = value.toFloat();
             if (!std::isfinite(number))
                 return false;
             // The shortest text that reads back as the same float: 0.3, not 0.30000001192092896.
-            char text[32];
-            const auto result = std::to_chars(text, text + sizeof text, number);
-            xml.writeTextElement(QStringLiteral("real"), QString::fromLatin1(text, result.ptr - text));
+            char digits[32];
+            const auto result = std::to_chars(digits, digits + sizeof digits, number);
+            element(depth, "real", QByteArray(digits, result.ptr - digits));
             return true;
         }
         case QMetaType::Double: {
             const double number = value.toDouble();
             if (!std::isfinite(number))
                 return false;
-            xml.writeTextElement(QStringLiteral("real"), QString::number(number, 'g', QLocale::FloatingPointShortest));
+            element(depth, "real", QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
             return true;
         }
-        case QMetaType::QDateTime:
-            xml.writeTextElement(QStringLiteral("date"),
-                                 value.toDateTime().toUTC().toString(QLatin1String(dateFormat)));
+        case QMetaType::QDateTime: {
+            // Kept to the second, in UTC; a date the four-digit form cannot hold is refused.
+            const QDateTime date = value.toDateTime().toUTC();
+            if (!date.isValid() || date.date().year() < 1 || date.date().year() > 9999)
+                return false;
+            element(depth, "date", date.toString(QLatin1String(dateFormat)).toLatin1());
             return true;
+        }
         default:
             return false;
         }
     }
 
-    QXmlStreamWriter xml;
+    QByteArray out;
 };
 
 class Reader
@@ -154,6 +193,8 @@ public:
     explicit Reader(const QByteArray &document)
         : xml(document)
     {
+        // External entities are never fetched by QXmlStreamReader, and its default limit on
+        // entity expansion stays in force against expansion bombs.
     }
 
     std::optional<QVariant> readDocument()
@@ -165,49 +206,61 @@ public:
         if (xml.name() == QLatin1String("plist")) {
             if (!nextElement()) {
                 if (xml.hasError())
-                    return fail(xml.errorString());
-                // An empty <plist/> holds nothing: it is not a property list of any value.
-                return fail(QStringLiteral("empty plist"));
+                    return fail(QString());
+                // An empty <plist/> holds no value at all; there is nothing to hand back, so it
+                // is refused like any other document that is not a property list.
+                return fail(QStringLiteral("plist holds no value"));
             }
             root = readValue(1);
             if (!root)
                 return std::nullopt;
             if (nextElement())
                 return fail(QStringLiteral("more than one value in plist"));
-            if (xml.hasError())
-                return fail(xml.errorString());
-            if (!xml.isEndElement() || xml.name() != QLatin1String("plist"))
+            if (!xml.isEndElement())
                 return fail(QStringLiteral("plist not closed"));
         } else {
+            // A bare root value without the <plist> wrapper is read as well.
             root = readValue(1);
             if (!root)
                 return std::nullopt;
         }
-        // Nothing but comments and white space may follow the root element.
+        // Only comments, processing instructions and white space may follow the root element;
+        // QXmlStreamReader itself refuses a second element or text there.
         while (!xml.atEnd()) {
-            const QXmlStreamReader::TokenType token = xml.readNext();
-            if (token == QXmlStreamReader::Invalid)
-                break;
-            if (token == QXmlStreamReader::StartElement)
+            if (xml.readNext() == QXmlStreamReader::StartElement)
                 return fail(QStringLiteral("content after the root element"));
         }
         if (xml.hasError())
-            return fail(xml.errorString());
+            return fail(QString());
         return root;
     }
 
     QString error;
 
 private:
+    // Records the first reason (or the XML error when why is empty), with the line it is on.
     std::nullopt_t fail(const QString &why)
     {
-        if (error.isEmpty())
-            error = why;
+        if (!error.isEmpty())
+            return std::nullopt;
+        QString reason = why.isEmpty() ? QStringLiteral("unreadable XML") : why;
+        if (xml.hasError()) {
+            QString xmlReason = xml.errorString();
+            if (xmlReason.endsWith(u'.'))
+                xmlReason.chop(1);
+            // A reason raised here is more precise than the one the caller gives up with.
+            if (why.isEmpty() || xml.error() == QXmlStreamReader::CustomError)
+                reason = xmlReason;
+            else
+                reason += QStringLiteral(" (%1)").arg(xmlReason);
+        }
+        error = QStringLiteral("%1 at line %2").arg(reason).arg(xml.lineNumber());
         return std::nullopt;
     }
 
-    // Advances to the next start element, answering false at an end element (left current)
-    // or at the end of input. Text other than white space between elements is an error.
+    // Advances to the next start element, answering false at an end element (left current),
+    // at an error or at the end of input. Text other than white space between elements is an
+    // error.
     bool nextElement()
     {
         while (!xml.atEnd()) {
@@ -220,6 +273,20 @@ private:
                 if (!xml.isWhitespace()) {
                     xml.raiseError(QStringLiteral("text outside a value"));
                     return false;
+                }
+                break;
+            case QXmlStreamReader::EntityReference:
+                xml.raiseError(QStringLiteral("unknown entity &%1; outside a value").arg(xml.name()));
+                return false;
+            case QXmlStreamReader::DTD:
+                // QXmlStreamReader never fetches an external entity and drops its references
+                // without a word: the text would silently lose a part, so such a document is
+                // refused.
+                for (const QXmlStreamEntityDeclaration &entity : xml.entityDeclarations()) {
+                    if (!entity.systemId().isEmpty() || !entity.publicId().isEmpty()) {
+                        xml.raiseError(QStringLiteral("external entity &%1; is not read").arg(entity.name()));
+                        return false;
+                    }
                 }
                 break;
             case QXmlStreamReader::Invalid:
@@ -247,84 +314,100 @@ private:
             case QXmlStreamReader::ProcessingInstruction:
                 break;
             case QXmlStreamReader::EntityReference:
-                return fail(QStringLiteral("unknown entity &%1;").arg(xml.name().toString()));
+                return fail(QStringLiteral("unknown entity &%1;").arg(xml.name()));
             case QXmlStreamReader::Invalid:
-                return fail(xml.errorString());
+                return fail(QString());
             default:
                 return fail(QStringLiteral("element inside a simple value"));
             }
         }
-        return fail(xml.hasError() ? xml.errorString() : QStringLiteral("value not closed"));
+        return fail(QStringLiteral("value not closed"));
+    }
+
+    // An integer that fits in 64 bits: signed, or unsigned above the signed range (both forms
+    // occur in property lists); anything else, an overflow included, is refused.
+    std::optional<QVariant> integer(const QString &text)
+    {
+        bool ok = false;
+        const qlonglong number = text.toLongLong(&ok);
+        if (ok)
+            return QVariant(number);
+        const qulonglong unsignedNumber = text.toULongLong(&ok);
+        if (ok)
+            return QVariant(unsignedNumber);
+        return fail(QStringLiteral("bad integer \"%1\"").arg(text.left(40)));
+    }
+
+    // A finite number a double can hold; "nan", "inf" and out-of-range values are refused, as
+    // the writer refuses non-finite reals.
+    std::optional<QVariant> real(const QString &text)
+    {
+        bool ok = false;
+        const double number = text.toDouble(&ok);
+        if (!ok || !std::isfinite(number))
+            return fail(QStringLiteral("bad real \"%1\"").arg(text.left(40)));
+        return QVariant(number);
+    }
+
+    // ISO 8601. A date that names no time zone is taken as UTC, never as the machine's local
+    // time, so that a file reads the same everywhere.
+    std::optional<QVariant> date(const QString &text)
+    {
+        QDateTime date = QDateTime::fromString(text.trimmed(), Qt::ISODate);
+        if (!date.isValid())
+            return fail(QStringLiteral("bad date \"%1\"").arg(text.left(40)));
+        if (date.timeSpec() == Qt::LocalTime)
+            date.setTimeSpec(Qt::UTC);
+        return QVariant(date.toUTC());
+    }
+
+    std::optional<QVariant> data(const QString &text)
+    {
+        // Base64 may be broken into lines and indented; anything else is a decoding error
+        // (a character outside Latin-1 becomes '?', which is not base64 either).
+        QByteArray compact = text.toLatin1();
+        compact.removeIf([](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; });
+        const QByteArray::FromBase64Result decoded
+            = QByteArray::fromBase64Encoding(compact, QByteArray::AbortOnBase64DecodingErrors);
+        if (!decoded)
+            return fail(QStringLiteral("bad base64 data"));
+        return QVariant(*decoded);
     }
 
     // Reads the value whose start element is current; ends on its end element.
     std::optional<QVariant> readValue(int depth)
     {
         if (depth > TWXMLPropertyList::maxDepth)
-            return fail(QStringLiteral("nesting too deep"));
-        const QStringView name = xml.name();
+            return fail(QStringLiteral("nesting deeper than %1 levels").arg(TWXMLPropertyList::maxDepth));
+        const QString name = xml.name().toString();
         if (name == QLatin1String("dict"))
             return readDict(depth);
         if (name == QLatin1String("array"))
             return readArray(depth);
-        if (name == QLatin1String("string")) {
-            std::optional<QString> text = elementText();
-            return text ? std::optional<QVariant>(*text) : std::nullopt;
-        }
-        if (name == QLatin1String("data")) {
-            std::optional<QString> text = elementText();
-            if (!text)
-                return std::nullopt;
-            QByteArray compact = text->toLatin1();
-            compact.replace(' ', "").replace('\n', "").replace('\t', "").replace('\r', "");
-            const QByteArray::FromBase64Result decoded
-                = QByteArray::fromBase64Encoding(compact, QByteArray::AbortOnBase64DecodingErrors);
-            if (!decoded)
-                return fail(QStringLiteral("bad base64 data"));
-            return QVariant(*decoded);
-        }
-        if (name == QLatin1String("integer")) {
-            std::optional<QString> text = elementText();
-            if (!text)
-                return std::nullopt;
-            bool ok = false;
-            const qlonglong number = text->trimmed().toLongLong(&ok);
-            if (ok)
-                return QVariant(number);
-            const qulonglong unsignedNumber = text->trimmed().toULongLong(&ok);
-            if (ok)
-                return QVariant(unsignedNumber);
-            return fail(QStringLiteral("bad integer"));
-        }
-        if (name == QLatin1String("real")) {
-            std::optional<QString> text = elementText();
-            if (!text)
-                return std::nullopt;
-            bool ok = false;
-            const double number = text->trimmed().toDouble(&ok);
-            if (!ok)
-                return fail(QStringLiteral("bad real"));
-            return QVariant(number);
-        }
         if (name == QLatin1String("true") || name == QLatin1String("false")) {
-            const bool value = name == QLatin1String("true");
-            std::optional<QString> text = elementText();
+            const std::optional<QString> text = elementText();
             if (!text)
                 return std::nullopt;
             if (!text->trimmed().isEmpty())
-                return fail(QStringLiteral("text in a boolean"));
-            return QVariant(value);
+                return fail(QStringLiteral("text in <%1/>").arg(name));
+            return QVariant(name == QLatin1String("true"));
         }
-        if (name == QLatin1String("date")) {
-            std::optional<QString> text = elementText();
-            if (!text)
-                return std::nullopt;
-            QDateTime date = QDateTime::fromString(text->trimmed(), Qt::ISODate);
-            if (!date.isValid())
-                return fail(QStringLiteral("bad date"));
-            return QVariant(date.toUTC());
-        }
-        return fail(QStringLiteral("unknown element <%1>").arg(name.toString()));
+        const bool known = name == QLatin1String("string") || name == QLatin1String("data")
+            || name == QLatin1String("integer") || name == QLatin1String("real") || name == QLatin1String("date");
+        if (!known)
+            return fail(QStringLiteral("unknown element <%1>").arg(name));
+        const std::optional<QString> text = elementText();
+        if (!text)
+            return std::nullopt;
+        if (name == QLatin1String("string"))
+            return QVariant(*text);
+        if (name == QLatin1String("data"))
+            return data(*text);
+        if (name == QLatin1String("integer"))
+            return integer(*text);
+        if (name == QLatin1String("real"))
+            return real(*text);
+        return date(*text);
     }
 
     std::optional<QVariant> readDict(int depth)
@@ -332,19 +415,18 @@ private:
         QVariantMap map;
         while (nextElement()) {
             if (xml.name() != QLatin1String("key"))
-                return fail(QStringLiteral("a dict value without a key"));
-            std::optional<QString> key = elementText();
+                return fail(QStringLiteral("<%1> in a dict without a key").arg(xml.name()));
+            const std::optional<QString> key = elementText();
             if (!key)
                 return std::nullopt;
             if (!nextElement())
-                return fail(xml.hasError() ? xml.errorString() : QStringLiteral("a key without a value"));
+                return fail(QStringLiteral("key \"%1\" without a value").arg(key->left(40)));
             std::optional<QVariant> value = readValue(depth + 1);
             if (!value)
                 return std::nullopt;
+            // A key that appears twice keeps its last value.
             map.insert(*key, *value);
         }
-        if (xml.hasError())
-            return fail(xml.errorString());
         if (!xml.isEndElement())
             return fail(QStringLiteral("dict not closed"));
         return QVariant(map);
@@ -359,8 +441,6 @@ private:
                 return std::nullopt;
             list << *value;
         }
-        if (xml.hasError())
-            return fail(xml.errorString());
         if (!xml.isEndElement())
             return fail(QStringLiteral("array not closed"));
         return QVariant(list);
@@ -373,12 +453,7 @@ private:
 
 std::optional<QByteArray> TWXMLPropertyList::write(const QVariant &root)
 {
-    QByteArray out;
-    Writer writer(&out);
-    if (!writer.writeDocument(root))
-        return std::nullopt;
-    out.append('\n');
-    return out;
+    return Writer().document(root);
 }
 
 std::optional<QVariant> TWXMLPropertyList::read(const QByteArray &document, QString *error)
