@@ -173,6 +173,24 @@ private Q_SLOTS:
                  TWPageComposer::absoluteString(*viewer()->baseURL()));
     }
 
+    void stopRenderingEndsARunawayPage()
+    {
+        TWEditWindowController::sharedEditWindowController()->textView()->setString(
+            QStringLiteral("<p>spinning</p><script>for (;;) {}</script>"));
+        viewer()->renderNow();
+        QTest::qWait(500);
+        // The editor is not held up by the page: this test's event loop keeps running.
+        QElapsedTimer stopped;
+        stopped.start();
+        viewer()->stopRendering();
+        QTest::qWait(800);
+        QVERIFY(stopped.elapsed() < 3000);
+        // The next render works in a fresh page process.
+        QVERIFY(renderAndWait(QStringLiteral("<p id=after>after</p>")));
+        QCOMPARE(evaluate(QStringLiteral("document.getElementById('after').textContent")).toString(),
+                 QStringLiteral("after"));
+    }
+
     void loadErrorReachesTheStatusText()
     {
         // The data folder cannot be made: the temporary page file is never written.
