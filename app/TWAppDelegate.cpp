@@ -8,12 +8,20 @@
 #include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWTemplateTextView.h"
 #include "platform/TWPanels.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWExternalBrowser.h"
 #include "preview/TWViewWindowController.h"
+#include "platform/TWBeep.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWTextKeys.h"
+#include "taglib/TWHTMLTag.h"
+#include "taglib/TWHTMLTagLibrary.h"
+#include "taglib/TWInsertTagPaletteController.h"
+#include "taglib/TWTagMenuListing.h"
 
 #include <QAction>
 #include <QApplication>
@@ -72,6 +80,18 @@ TWAppDelegate::TWAppDelegate()
 
     createActions();
     TWWindowOrder::shared();
+    // What a change of the tag library reaches.
+    TWHTMLTagLibrary::setDependants(
+        [this] {
+            TWInsertTagPaletteController::sharedInsertTagPalette()->setUpInsertTagMenu();
+            setUpInsertTagMenu();
+        },
+        [] {
+            TWEditWindowController::sharedEditWindowController()->textView()->colorText();
+            TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
+            templateWindow->topTextView()->colorText();
+            templateWindow->bottomTextView()->colorText();
+        });
     connect(qApp, &QCoreApplication::aboutToQuit, this, &TWAppDelegate::applicationWillTerminate);
 }
 
@@ -80,6 +100,8 @@ TWAppDelegate::~TWAppDelegate()
     if (sharedInstance == this)
         sharedInstance = nullptr;
     delete browserMenu;
+    delete singleTagMenu;
+    delete doubleTagMenu;
 }
 
 void TWAppDelegate::createActions()
@@ -165,6 +187,13 @@ void TWAppDelegate::createActions()
     });
     // One submenu, shown in every window's View menu.
     browserMenu = new QMenu(tr("In &Browser"));
+
+    tagColoringMenuItem = make(tr("Tag &Coloring"), QKeySequence(), &TWAppDelegate::toggleTagColoring);
+    tagColoringMenuItem->setCheckable(true);
+    showTagPaletteMenu = make(TWLocalizedString(TWTextKey::showInsertTagPalette), QKeySequence(Qt::CTRL | Qt::Key_5),
+                              &TWAppDelegate::toggleTagPalette);
+    singleTagMenu = new QMenu(tr("&Single Tag"));
+    doubleTagMenu = new QMenu(tr("&Paired Tag"));
 }
 
 void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
@@ -192,7 +221,12 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     edit->addAction(selectAllAction);
     edit->addSeparator();
     edit->addAction(autoIndentMenu);
+    edit->addAction(tagColoringMenuItem);
     edit->addAction(jumpToLineAction);
+
+    QMenu *insert = menuBar->addMenu(tr("&Insert"));
+    insert->addMenu(singleTagMenu);
+    insert->addMenu(doubleTagMenu);
 
     QMenu *view = menuBar->addMenu(tr("&View"));
     view->addAction(renderNowAction);
@@ -213,11 +247,14 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     window->addAction(showTemplateWindowAction);
     window->addAction(showCSSWindowAction);
     window->addAction(showViewWindowAction);
+    window->addSeparator();
+    window->addAction(showTagPaletteMenu);
 }
 
 void TWAppDelegate::applicationWillFinishLaunching()
 {
     TWPreferences::sharedPref();
+    TWHTMLTagLibrary::sharedTagLibrary()->validateTagListChange();
     TWTemplateWindowController::sharedTemplateController();
     TWCSSWindowController::sharedCSSController();
     TWPreview::shared();
@@ -231,6 +268,7 @@ bool TWAppDelegate::applicationOpenFile(const QString &path)
 
 void TWAppDelegate::applicationDidFinishLaunching()
 {
+    setTagColoringMenu(TWPreferences::sharedPref()->tagColoring());
     setViewOnExBrowserMenu();
     TWTemplateWindowController::sharedTemplateController()->loadTemplateAtAppLaunch();
     TWCSSWindowController::sharedCSSController()->loadCSSAtAppLaunch();
@@ -247,6 +285,7 @@ void TWAppDelegate::applicationWillTerminate()
     TWEditWindowController::sharedEditWindowController()->saveWindowProperties();
     if (TWPreview *viewer = TWPreview::shared())
         viewer->saveWindowProperties();
+    TWInsertTagPaletteController::sharedInsertTagPalette()->saveWindowProperties();
     TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
     TWCSSWindowController::sharedCSSController()->saveWindowProperties();
     // The preferences flushed the store already; the window state written since must
@@ -294,6 +333,81 @@ void TWAppDelegate::setApplyCSSMenuState(bool flag)
 void TWAppDelegate::setLineBreakValidationMenu(bool flag)
 {
     lineBreakValidationMenuItem->setChecked(flag);
+}
+
+void TWAppDelegate::setTagColoringMenu(bool flag)
+{
+    tagColoringMenuItem->setChecked(flag);
+}
+
+void TWAppDelegate::setTagPaletteMenuEnabled(bool flag)
+{
+    showTagPaletteMenu->setText(
+        TWLocalizedString(flag ? TWTextKey::showInsertTagPalette : TWTextKey::hideInsertTagPalette));
+}
+
+void TWAppDelegate::toggleTagColoring()
+{
+    TWPreferences *preferences = TWPreferences::sharedPref();
+    const bool coloring = !preferences->tagColoring();
+    preferences->setTagColoring(coloring);
+    setTagColoringMenu(coloring);
+    TWEditWindowController::sharedEditWindowController()->setTagColoring(coloring);
+    TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
+    templateWindow->topTextView()->setTagColoring(coloring);
+    templateWindow->bottomTextView()->setTagColoring(coloring);
+}
+
+void TWAppDelegate::toggleTagPalette()
+{
+    TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
+    palette->setShowWindow(!TWWindowOrder::isWindowVisible(palette));
+}
+
+void TWAppDelegate::setUpInsertTagMenu()
+{
+    singleTagMenu->clear();
+    doubleTagMenu->clear();
+    const TWTagMenuListing listing = TWTagMenuListing::list(TWHTMLTagLibrary::sharedTagLibrary()->tagList());
+    singleObjectList = listing.single;
+    doubleObjectList = listing.paired;
+    const auto fill = [this](QMenu *menu, const QList<std::shared_ptr<TWHTMLTag>> &tags, bool single) {
+        for (int index = 0; index < tags.size(); ++index) {
+            const std::shared_ptr<TWHTMLTag> &tag = tags.at(index);
+            QAction *item = menu->addAction(tag->title());
+            if (tag->hasShortcutKey()) {
+                item->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+") + tag->shortcutKey()));
+                item->setShortcutContext(Qt::ApplicationShortcut);
+            }
+            connect(item, &QAction::triggered, this, [this, index, single] {
+                single ? insertSingleTagFromMenu(index) : insertDoubleTagFromMenu(index);
+            });
+        }
+    };
+    fill(singleTagMenu, singleObjectList, true);
+    fill(doubleTagMenu, doubleObjectList, false);
+}
+
+void TWAppDelegate::insertTagFromMenu(const std::shared_ptr<TWHTMLTag> &tag)
+{
+    TWEditorTextView *view = TWEditorTextView::textViewToBeEdited();
+    if (!view) {
+        TWBeep();
+        return;
+    }
+    view->insertTag(*tag);
+}
+
+void TWAppDelegate::insertSingleTagFromMenu(int index)
+{
+    if (index >= 0 && index < singleObjectList.size())
+        insertTagFromMenu(singleObjectList.at(index));
+}
+
+void TWAppDelegate::insertDoubleTagFromMenu(int index)
+{
+    if (index >= 0 && index < doubleObjectList.size())
+        insertTagFromMenu(doubleObjectList.at(index));
 }
 
 void TWAppDelegate::setViewOnExBrowserMenu()

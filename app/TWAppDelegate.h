@@ -4,10 +4,13 @@
 #include <QObject>
 #include <QString>
 
+#include <memory>
+
 class QAction;
 class QMenu;
 class QMenuBar;
 class TWDocumentWindow;
+class TWHTMLTag;
 class TWLineNumberDialog;
 
 // The spine of the application: creates the shared controllers in a fixed order at launch,
@@ -40,6 +43,15 @@ public:
     void setAutoRenderMenu(bool flag);
     void setApplyCSSMenuState(bool flag);
     void setLineBreakValidationMenu(bool flag);
+    void setTagColoringMenu(bool flag);
+    // The show/hide title of the palette's Window menu item: "show" when flag is on.
+    void setTagPaletteMenuEnabled(bool flag);
+    // Rebuilds the two insert-tag submenus from the tag library.
+    void setUpInsertTagMenu();
+    void insertSingleTagFromMenu(int index);
+    void insertDoubleTagFromMenu(int index);
+    QMenu *insertSingleTagMenu() const { return singleTagMenu; }
+    QMenu *insertDoubleTagMenu() const { return doubleTagMenu; }
     // Rebuilds the In Browser submenu from the preference's browser list (ten at most).
     void setViewOnExBrowserMenu();
     QMenu *viewOnExBrowserMenu() const { return browserMenu; }
@@ -63,6 +75,8 @@ public:
     QAction *autoRenderingMenu = nullptr;
     QAction *applyCSSMenu = nullptr;
     QAction *lineBreakValidationMenuItem = nullptr;
+    QAction *tagColoringMenuItem = nullptr;
+    QAction *showTagPaletteMenu = nullptr;
 
 private:
     TWAppDelegate();
@@ -77,6 +91,9 @@ private:
     void updateInsertActions();
     void toggleAutoIndentation();
     void toggleApplyTemplate();
+    void toggleTagColoring();
+    void toggleTagPalette();
+    void insertTagFromMenu(const std::shared_ptr<TWHTMLTag> &tag);
     void askForLineNumber();
 
     QAction *newAction = nullptr;
@@ -102,6 +119,10 @@ private:
     QAction *clearCacheAction = nullptr;
     QAction *saveCSSAndClearCacheAction = nullptr;
     QMenu *browserMenu = nullptr;
+    QMenu *singleTagMenu = nullptr;
+    QMenu *doubleTagMenu = nullptr;
+    QList<std::shared_ptr<TWHTMLTag>> singleObjectList;
+    QList<std::shared_ptr<TWHTMLTag>> doubleObjectList;
     TWLineNumberDialog *lineNumberDialog = nullptr;
 
     QString projectFilenameValue;

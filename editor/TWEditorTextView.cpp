@@ -3,12 +3,15 @@
 #include "app/TWAppDelegate.h"
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
+#include "editor/TWTagHighlighter.h"
+#include "editor/TWTagScanner.h"
 #include "editor/TWTextFile.h"
 #include "platform/TWBeep.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWPreview.h"
 #include "taglib/TWHTMLTag.h"
+#include "taglib/TWHTMLTagLibrary.h"
 
 #include <QAction>
 #include <QContextMenuEvent>
@@ -31,6 +34,8 @@ constexpr char linkTagName[] = "a";
 constexpr char imageFormat[] = "<img src=\"%1\" width=\"%2\" height=\"%3\" alt=\"%4\">";
 constexpr char imageTagName[] = "img";
 constexpr int dropCaretWidth = 2;
+// Comments and declarations take the colour of the library's comment tag.
+constexpr char commentName[] = "!--";
 
 // A path goes into an attribute value as it is, except for the two characters that would end
 // or garble the value.
@@ -79,6 +84,11 @@ TWEditorTextView::TWEditorTextView(QWidget *parent)
     editorTextColorValue = preferences->editorTextColor();
     if (suspendTimeSeconds < 0.0f)
         suspendTimeSeconds = preferences->suspendTime();
+    highlighter = new TWTagHighlighter(this);
+    highlighter->colorForTag = [](const QString &name) { return TWHTMLTagLibrary::sharedTagLibrary()->colorForTag(name); };
+    highlighter->commentColor = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorForTag(QLatin1String(commentName)); };
+    highlighter->colorsGeneration = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorsGeneration(); };
+    setEditorTextColor(editorTextColorValue);
     // Only edits count as changes: loads go through setString, colours never touch the text.
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
         if (!loadingText && (removed > 0 || added > 0))
@@ -135,6 +145,63 @@ void TWEditorTextView::setTagColoring(bool flag)
 void TWEditorTextView::setEditorTextColor(const QColor &color)
 {
     editorTextColorValue = color.toRgb();
+    // Plain text shows in the view's text colour; only tags and comments carry colours.
+    QPalette colors = palette();
+    colors.setColor(QPalette::Text, editorTextColorValue);
+    setPalette(colors);
+}
+
+void TWEditorTextView::paintTagColors()
+{
+    if (!tagColoringFlag) {
+        highlighter->clear();
+        return;
+    }
+    if (!highlighter->isEnabled())
+        highlighter->recolorAll();
+    highlighter->recolor();
+}
+
+int TWEditorTextView::typeOfText(QStringView text, qsizetype index)
+{
+    return TWTagScanner::typeOfText(text, index);
+}
+
+TWRange TWEditorTextView::rangeOfCommentInText(QStringView text, qsizetype index)
+{
+    return TWTagScanner::rangeOfCommentInText(text, index);
+}
+
+TWRange TWEditorTextView::rangeOfTagInText(QStringView text, QString &name, qsizetype index)
+{
+    return TWTagScanner::rangeOfTagInText(text, name, index);
+}
+
+TWRange TWEditorTextView::rangeOfPlainText(QStringView text, qsizetype index)
+{
+    return TWTagScanner::rangeOfPlainText(text, index);
+}
+
+QString TWEditorTextView::string() const
+{
+    // The raw text keeps non-breaking spaces, which the plain-text form would turn into spaces.
+    QString text = document()->toRawText();
+    for (QChar &c : text) {
+        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
+            c = QLatin1Char('\n');
+    }
+    return text;
+}
+
+void TWEditorTextView::insertFromMimeData(const QMimeData *source)
+{
+    if (!source->hasText() || source->hasUrls()) {
+        QPlainTextEdit::insertFromMimeData(source);
+        return;
+    }
+    QString text = TWTextFile::convertReturnCodeOfTextToLF(source->text());
+    text.replace(QChar::LineSeparator, QLatin1Char('\n')).replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    insertText(text);
 }
 
 void TWEditorTextView::colorText()

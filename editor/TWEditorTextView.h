@@ -7,6 +7,7 @@
 
 class QUndoStack;
 class TWHTMLTag;
+class TWTagHighlighter;
 
 // The editing view of every document window: a plain-text editor that defers colouring and
 // preview rendering until the user stops typing (by counting timers), indents new lines like
@@ -47,15 +48,22 @@ public:
     int timerCount() const { return timerCountValue; }
     // A direct request to repaint the tag colours: done now unless a colouring timer is pending.
     void colorText();
-    // Paints the tag colours over the whole text.
-    virtual void paintTagColors() {}
+    // Paints the tag colours so that the whole text shows them.
+    virtual void paintTagColors();
+    TWTagHighlighter *tagHighlighter() const { return highlighter; }
+
+    // The scanners of tag colouring, on a text (the view's whole text).
+    static int typeOfText(QStringView text, qsizetype index);
+    static TWRange rangeOfCommentInText(QStringView text, qsizetype index);
+    static TWRange rangeOfTagInText(QStringView text, QString &name, qsizetype index);
+    static TWRange rangeOfPlainText(QStringView text, qsizetype index);
 
     // The handler run after every user edit (typing, paste, deletion, insertion; not a whole
     // text replaced by a load): schedules the colouring and asks the viewer to render.
     void textDidChange();
 
-    // The whole text.
-    QString string() const { return toPlainText(); }
+    // The whole text, every character as typed (line breaks as LF).
+    QString string() const;
     // Replaces the whole text; this is a load, not an edit: no textDidChange, and the undo
     // history starts afresh.
     void setString(const QString &text);
@@ -104,6 +112,8 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    // Pasted and dropped text comes in with LF line breaks only.
+    void insertFromMimeData(const QMimeData *source) override;
 
     // During a file drag, whether the insertion point is drawn to show where the drop goes.
     bool shouldDrawInsertionPoint() const;
@@ -134,4 +144,5 @@ private:
     QColor editorTextColorValue;
     bool loadingText = false;
     QUndoStack *sharedUndoStack = nullptr;
+    TWTagHighlighter *highlighter;
 };

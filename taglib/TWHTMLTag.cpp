@@ -1,9 +1,24 @@
 #include "taglib/TWHTMLTag.h"
 
 #include "platform/TWBeep.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWTextKeys.h"
+#include "taglib/TWHTMLTagLibrary.h"
 
 namespace {
 constexpr char colorSampleFormat[] = "<%1>";
+// What a new record inserts until the user edits it.
+constexpr char newFirstTag[] = "<Tag>";
+constexpr char newSecondTag[] = "</Tag>";
+} // namespace
+
+TWHTMLTag::TWHTMLTag()
+    : TWHTMLTag(pairedType, TWLocalizedString(TWTextKey::tag), TWLocalizedString(TWTextKey::tagName),
+                QLatin1String(newFirstTag), QLatin1String(newSecondTag), true, false,
+                TWHTMLTagLibrary::sharedTagLibrary()->genericTagColor(), TWLocalizedString(TWTextKey::htmlTag))
+{
+    // The sample shows the opening text until the element name is first set.
+    colorSampleTagValue = QLatin1String(newFirstTag);
 }
 
 TWHTMLTag::TWHTMLTag(int type, const QString &tag, const QString &name, const QString &firstTag,

@@ -15,6 +15,9 @@ public:
     static constexpr int singleType = 1;
     static constexpr int pairedType = 2;
 
+    // A new plain record: a paired "<Tag>"..."</Tag>" in the generic tag's colour. Not to be
+    // made while the shared tag library is itself being made.
+    TWHTMLTag();
     TWHTMLTag(int type, const QString &tag, const QString &name, const QString &firstTag, const QString &secondTag,
               bool includeInMenu, bool useSpecificColor, const QColor &color, const QString &title);
     virtual ~TWHTMLTag() = default;

@@ -2,7 +2,18 @@
 # Helpers for end-to-end tests: a private X server and home for the real binary.
 set -euo pipefail
 
-e2e_fail() { echo "FAIL: $*" >&2; exit 1; }
+e2e_fail() {
+  echo "FAIL: $*" >&2
+  if [ -n "${E2E_HOME:-}" ] && [ -f "$E2E_HOME/app.log" ]; then
+    echo "--- application log (last lines) ---" >&2
+    grep -v '^  \*\|^$' "$E2E_HOME/app.log" | tail -n 30 >&2
+  fi
+  if [ -n "${DISPLAY:-}" ]; then
+    echo "--- windows ---" >&2
+    xdotool search --onlyvisible --name '.' getwindowname %@ 2>/dev/null >&2 || true
+  fi
+  exit 1
+}
 
 # Starts Xvfb on a free display and a private home; sets DISPLAY, HOME, XDG_*.
 e2e_setup() {

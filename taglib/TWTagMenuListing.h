@@ -1,0 +1,19 @@
+#pragma once
+
+#include "taglib/TWHTMLTagLibrary.h"
+
+#include <QList>
+#include <QStringList>
+
+// Which records the insert-tag menus and the palette list: single tags (type 1) on one side,
+// paired tags (type 2) on the other, only those included in the menus, and of several with
+// one title only the first. A record of any other type is left out with a beep.
+struct TWTagMenuListing
+{
+    QList<TWHTMLTagLibrary::Tag> single;
+    QList<TWHTMLTagLibrary::Tag> paired;
+
+    // `singleTaken` and `pairedTaken` are titles already in the menus (the palette's headers).
+    static TWTagMenuListing list(const QList<TWHTMLTagLibrary::Tag> &tags, const QStringList &singleTaken = {},
+                                 const QStringList &pairedTaken = {});
+};
