@@ -4,6 +4,7 @@
 
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QHash>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTimer>
@@ -60,6 +61,20 @@ qsizetype endOfOpenTag(QStringView line, bool &afterCloser)
     return -1;
 }
 
+// One format object per colour, shared by every run of that colour: the text layout compares
+// and hashes formats for each run it lays out, which is fast for formats that share their data.
+const QTextCharFormat &formatOf(const QColor &color)
+{
+    static QHash<QRgb, QTextCharFormat> formats;
+    auto found = formats.find(color.rgba());
+    if (found == formats.end()) {
+        QTextCharFormat format;
+        format.setForeground(color);
+        found = formats.insert(color.rgba(), format);
+    }
+    return *found;
+}
+
 void addRun(QList<QTextLayout::FormatRange> &runs, qsizetype start, qsizetype length, const QColor &color)
 {
     if (length <= 0)
@@ -75,7 +90,7 @@ void addRun(QList<QTextLayout::FormatRange> &runs, qsizetype start, qsizetype le
     QTextLayout::FormatRange range;
     range.start = int(start);
     range.length = int(length);
-    range.format.setForeground(color);
+    range.format = formatOf(color);
     runs << range;
 }
 
