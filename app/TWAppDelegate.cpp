@@ -376,7 +376,7 @@ void TWAppDelegate::setUpInsertTagMenu()
             const std::shared_ptr<TWHTMLTag> &tag = tags.at(index);
             QAction *item = menu->addAction(tag->title());
             if (tag->hasShortcutKey()) {
-                item->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+") + tag->shortcutKey()));
+                item->setShortcut(TWTagMenuListing::shortcut(*tag));
                 item->setShortcutContext(Qt::ApplicationShortcut);
             }
             connect(item, &QAction::triggered, this, [this, index, single] {

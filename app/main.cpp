@@ -37,5 +37,9 @@ int main(int argc, char **argv)
     TWReportLaunchTime(TWEditWindowController::sharedEditWindowController(),
                        TWViewWindowController::sharedViewWindowController());
     delegate->applicationDidFinishLaunching();
-    return application.exec();
+    const int status = application.exec();
+    // The delegate's menus are widgets: they must go while the application still exists (a
+    // menu left open at quit would otherwise be torn down after it).
+    delete delegate;
+    return status;
 }

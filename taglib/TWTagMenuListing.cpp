@@ -25,3 +25,16 @@ TWTagMenuListing TWTagMenuListing::list(const QList<TWHTMLTagLibrary::Tag> &tags
     }
     return listing;
 }
+
+QKeySequence TWTagMenuListing::shortcut(const TWHTMLTag &tag)
+{
+    if (!tag.hasShortcutKey())
+        return {};
+    const QChar key = tag.shortcutKey().at(0);
+    Qt::KeyboardModifiers modifiers = Qt::ControlModifier | Qt::AltModifier;
+    if (key.isUpper() && key.toLower() != key)
+        modifiers |= Qt::ShiftModifier;
+    // Keys are the upper-case character codes; built from the code, not from a text, so that
+    // "+" and "," mean themselves rather than separators.
+    return QKeySequence(QKeyCombination(modifiers, Qt::Key(key.toUpper().unicode())));
+}

@@ -2,6 +2,7 @@
 
 #include "taglib/TWHTMLTagLibrary.h"
 
+#include <QKeySequence>
 #include <QList>
 #include <QStringList>
 
@@ -16,4 +17,8 @@ struct TWTagMenuListing
     // `singleTaken` and `pairedTaken` are titles already in the menus (the palette's headers).
     static TWTagMenuListing list(const QList<TWHTMLTagLibrary::Tag> &tags, const QStringList &singleTaken = {},
                                  const QStringList &pairedTaken = {});
+
+    // The menu shortcut of a record with a shortcut key: Ctrl+Alt and the key, with Shift when
+    // the key is an upper-case letter, so that "k" and "K" are two shortcuts.
+    static QKeySequence shortcut(const TWHTMLTag &tag);
 };

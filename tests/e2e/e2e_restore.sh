@@ -38,14 +38,24 @@ xdotool search --onlyvisible --name '^CSS:' >/dev/null || e2e_fail "the style-sh
 e2e_focus "$E2E_WINDOW"
 xdotool key --clearmodifiers ctrl+End
 xdotool type --delay 20 '<p>second session</p>'
+# A tag shortcut of the shipped library wraps the next words in a paragraph.
+xdotool key --clearmodifiers Return ctrl+alt+p
+xdotool type --delay 20 'after a shortcut'
 sleep 0.3
 e2e_screenshot "$SHOTS/e2e_restore-second-launch.png"
+# Quitting with a menu open quits cleanly all the same.
+xdotool key --clearmodifiers alt+i
+sleep 0.3
+xdotool key Down Right
+sleep 0.3
+e2e_screenshot "$SHOTS/e2e_restore-insert-menu.png"
 e2e_quit
 store=$(e2e_store)
 echo "$store" | grep -q '&lt;!-- template edit --&gt;' || e2e_fail "the template edit was not restored"
 echo "$store" | grep -q 'h1 { color: teal }' || e2e_fail "the style sheet was not restored"
 echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the first line was not restored"
 echo "$store" | grep -q '&lt;p&gt;second session&lt;/p&gt;' || e2e_fail "the second line was not saved"
+echo "$store" | grep -q '&lt;p&gt;&lt;/p&gt;after a shortcut' || e2e_fail "the tag shortcut inserted nothing"
 
 # A file handed over on the command line opens in the HTML window.
 page="$E2E_HOME/handed over.html"

@@ -9,6 +9,7 @@
 #include "taglib/TWHTMLTag.h"
 
 #include <QCoreApplication>
+#include <QSet>
 #include <QTest>
 
 namespace {
@@ -60,6 +61,42 @@ private Q_SLOTS:
     void init()
     {
         TWResetBeepCount();
+    }
+
+    void newLibraryIsTheShippedLibrary()
+    {
+        TWHTMLTagLibrary library; // nothing stored in the preferences
+        QCOMPARE(library.tagAtIndex(0), library.commentTag());
+        QCOMPARE(library.tagAtIndex(1), library.genericTag());
+        QVERIFY(library.tagAtIndex(2)->isQuotation());
+        QVERIFY2(library.numberOfTags() > 40, qPrintable(tagNames(library).join(u' ')));
+        QSet<QString> titles, keys;
+        for (int index = 3; index < library.numberOfTags(); ++index) {
+            const TWHTMLTag *tag = library.tagAtIndex(index);
+            QVERIFY2(tag->type() == 1 || tag->type() == 2, qPrintable(tag->title()));
+            QVERIFY2(tag->useSpecificColor(), qPrintable(tag->title()));
+            QVERIFY2(!titles.contains(tag->title()), qPrintable(tag->title()));
+            QVERIFY2(tag->firstTag().startsWith(u'<' + tag->tag()), qPrintable(tag->firstTag()));
+            if (tag->type() == 2)
+                QVERIFY2(tag->secondTag().startsWith(QStringLiteral("</") + tag->tag()), qPrintable(tag->secondTag()));
+            titles << tag->title();
+            if (tag->hasShortcutKey()) {
+                QVERIFY2(!keys.contains(tag->shortcutKey()), qPrintable(tag->shortcutKey()));
+                keys << tag->shortcutKey();
+            }
+        }
+        QVERIFY(keys.contains(QStringLiteral("p")));
+        library.setUpTagColor();
+        // Common elements have colours of their own; unknown ones take the generic colour.
+        for (const char *name : {"p", "DIV", "table", "h", "form", "ul"})
+            QVERIFY2(library.colorForTag(QString::fromLatin1(name)) != library.genericTagColor(), name);
+        QCOMPARE(library.colorForTag(QStringLiteral("blink")), library.genericTagColor());
+        // Its text form reads back to the same library.
+        const QString text = library.propertyListString();
+        TWHTMLTagLibrary reread;
+        QVERIFY(reread.loadFromPropertyListDictionary(text));
+        QCOMPARE(reread.propertyListString(), text);
+        QCOMPARE(reread.numberOfTags(), library.numberOfTags());
     }
 
     void builtInSetAndItsColours()

@@ -15,6 +15,7 @@
 #include "preferences/TWPreferences.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
+#include "taglib/TWTagMenuListing.h"
 
 #include <QAction>
 #include <QApplication>
@@ -220,6 +221,28 @@ private Q_SLOTS:
         QCOMPARE(toggle->isChecked(), before);
         QCOMPARE(html->tagColoring(), before);
         QCOMPARE(templateWindow->topTextView()->tagColoring(), before);
+    }
+
+    void shortcutOfAKey_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QKeySequence>("shortcut");
+        QTest::newRow("none") << QString() << QKeySequence();
+        QTest::newRow("lower-case letter") << "k" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_K);
+        QTest::newRow("upper-case letter takes Shift") << "K" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::SHIFT | Qt::Key_K);
+        QTest::newRow("digit") << "3" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_3);
+        QTest::newRow("comma is the key") << "," << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Comma);
+        QTest::newRow("plus is the key") << "+" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Plus);
+        QTest::newRow("accented letter") << QString::fromUtf8("é") << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Eacute);
+    }
+
+    void shortcutOfAKey()
+    {
+        QFETCH(QString, key);
+        QFETCH(QKeySequence, shortcut);
+        TWHTMLTag tag;
+        tag.setShortcutKey(key);
+        QCOMPARE(TWTagMenuListing::shortcut(tag), shortcut);
     }
 };
 
