@@ -3,6 +3,7 @@
 #include "app/TWAppDelegate.h"
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
+#include "editor/TWEditorTextLayout.h"
 #include "editor/TWTagHighlighter.h"
 #include "editor/TWTagScanner.h"
 #include "editor/TWTextFile.h"
@@ -78,6 +79,9 @@ QString relativePath(const QString &path)
 TWEditorTextView::TWEditorTextView(QWidget *parent)
     : QPlainTextEdit(parent)
 {
+    auto *text = new QTextDocument(this);
+    text->setDocumentLayout(new TWEditorTextLayout(text));
+    setDocument(text);
     setLineWrapMode(QPlainTextEdit::WidgetWidth);
     const TWPreferences *preferences = TWPreferences::sharedPref();
     tagColoringFlag = preferences->tagColoring();

@@ -15,6 +15,7 @@
 #include <QImage>
 #include <QMainWindow>
 #include <QMimeData>
+#include <QPaintEvent>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
@@ -32,6 +33,20 @@ public:
     }
     int paints = 0;
     QElapsedTimer lastPaint;
+};
+
+// Collects what a widget repaints.
+class PaintedRegion : public QObject
+{
+public:
+    explicit PaintedRegion(QWidget *widget) { widget->installEventFilter(this); }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+    QRegion region;
 };
 
 // A document window with one editor view, for the rule that picks the view to edit.
@@ -153,6 +168,46 @@ private Q_SLOTS:
         QCOMPARE(view.timerCount(), 0);
         QCOMPARE(viewer.directRenderRequests, 4);
         QCOMPARE(viewer.renderTimersFired, 0);
+    }
+
+    void editsRepaintTheLinesTheyChange()
+    {
+        TWEditorTextView::setTagColoringSuspendFlag(false);
+        TWEditorTextView view;
+        view.resize(600, 400);
+        view.setTagColoring(true);
+        QObject::connect(&view, &TWEditorTextView::userEdited, &view, &TWEditorTextView::textDidChange);
+        QStringList lines;
+        for (int i = 0; i < 60; ++i)
+            lines << QStringLiteral("<p>line %1</p>").arg(i);
+        view.setString(lines.join(u'\n'));
+        view.colorText(); // as a window does after loading a text
+        view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        PaintedRegion painted(view.viewport());
+        const auto lineCenter = [&view](int line) {
+            return view.cursorRect(QTextCursor(view.document()->findBlockByNumber(line))).center();
+        };
+
+        // A key typed inside a line repaints that line, not the whole view.
+        QTextCursor cursor(view.document()->findBlockByNumber(5));
+        cursor.movePosition(QTextCursor::EndOfBlock);
+        view.setTextCursor(cursor);
+        QTest::qWait(50);
+        painted.region = QRegion();
+        QTest::keyClick(&view, 'x');
+        QCoreApplication::processEvents();
+        QVERIFY(painted.region.contains(lineCenter(5)));
+        QVERIFY2(painted.region.boundingRect().height() <= 3 * view.fontMetrics().lineSpacing(),
+                 qPrintable(QStringLiteral("repainted %1 px").arg(painted.region.boundingRect().height())));
+
+        // A comment opened at the top recolours, and so repaints, every line after it.
+        painted.region = QRegion();
+        view.setTextCursor(QTextCursor(view.document()));
+        QTest::keyClicks(&view, QStringLiteral("<!--"));
+        QCoreApplication::processEvents();
+        for (const int line : {1, 10, 15})
+            QVERIFY2(painted.region.contains(lineCenter(line)), qPrintable(QString::number(line)));
     }
 
     void viewsWithoutAutoRenderNeverRender()
