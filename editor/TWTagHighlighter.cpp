@@ -229,7 +229,14 @@ void TWTagHighlighter::documentChanged(int position, int removed, int added)
         validEnd = std::max(position, validEnd + delta);
     if (editEnd > position)
         editEnd = std::max(position, editEnd + delta);
-    editEnd = std::max(editEnd, position + added);
+    if (position + added >= validEnd) {
+        // The edit reaches past all that was worked out (a whole new text, or typing ahead of
+        // the work): nothing after it can be taken over, the work goes on afresh.
+        validEnd = std::min(validEnd, blockStart);
+        editEnd = std::min(editEnd, validEnd);
+    } else {
+        editEnd = std::max(editEnd, position + added);
+    }
     if (!enabled)
         return;
     // Until the next recolouring the edited line keeps its colours where its characters went,

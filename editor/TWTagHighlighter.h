@@ -41,6 +41,8 @@ public:
     // Finishes all pending work now (tests and benchmarks).
     void completeNow();
     bool isComplete() const;
+    // How far from the start the lines' colours are worked out (a text position).
+    int workedOut() const { return frontier; }
 
     // The colour runs of a line as the whole-text scan gives them, from the state its line
     // before ends in (plain colour: no run). Only valid for lines the work has reached.

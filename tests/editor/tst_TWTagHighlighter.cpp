@@ -155,7 +155,10 @@ private Q_SLOTS:
             const int position = farAbove ? random.bounded(std::max(1, std::min(size, 200)))
                                           : random.bounded(std::max(1, size));
             cursor.setPosition(std::min(position, size));
-            if (random.bounded(3) == 0 && size > 10) {
+            if (random.bounded(150) == 0) {
+                // Now and then a whole new text is opened.
+                fixture.view.setPlainText(samplePage(50 + int(random.bounded(300))));
+            } else if (random.bounded(3) == 0 && size > 10) {
                 cursor.setPosition(std::min(size, position + 1 + int(random.bounded(6))), QTextCursor::KeepAnchor);
                 cursor.removeSelectedText();
             } else {
@@ -196,6 +199,32 @@ private Q_SLOTS:
         cursor.setPosition(17, QTextCursor::KeepAnchor);
         cursor.removeSelectedText();
         fixture.highlighter->recolor();
+        fixture.highlighter->completeNow();
+        QCOMPARE(fixture.mismatch(), QString());
+    }
+
+    void typingBeforeTheFirstColouringIsDoneKeepsTheWork()
+    {
+        Fixture fixture;
+        fixture.view.setPlainText(samplePage(10));
+        fixture.highlighter->recolorAll();
+        fixture.highlighter->completeNow();
+        // A new text is opened.
+        fixture.view.setPlainText(samplePage(20000));
+        fixture.highlighter->recolor();
+        // Scrolling to the middle works out everything above it.
+        fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 2);
+        const int workedOut = fixture.highlighter->workedOut();
+        QVERIFY(workedOut > fixture.view.document()->characterCount() / 3);
+        QVERIFY(!fixture.highlighter->isComplete());
+        // A key typed near the top does not send the work back there: the lines after the
+        // typed one end as they did.
+        fixture.view.verticalScrollBar()->setValue(0);
+        QTextCursor cursor(fixture.view.document()->findBlockByNumber(5));
+        cursor.insertText(QStringLiteral("x"));
+        fixture.highlighter->recolor();
+        QVERIFY2(fixture.highlighter->workedOut() > workedOut,
+                 qPrintable(QStringLiteral("%1 of %2").arg(fixture.highlighter->workedOut()).arg(workedOut)));
         fixture.highlighter->completeNow();
         QCOMPARE(fixture.mismatch(), QString());
     }
