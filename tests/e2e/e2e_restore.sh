@@ -27,9 +27,9 @@ sleep 0.5
 e2e_screenshot "$SHOTS/e2e_restore-first-launch.png"
 e2e_quit
 store=$(e2e_store)
-echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the typed line was not saved at quit"
-echo "$store" | grep -q '&lt;!-- template edit --&gt;' || e2e_fail "the template edit was not saved at quit"
-echo "$store" | grep -q 'h1 { color: teal }' || e2e_fail "the style sheet was not saved at quit"
+grep -qF -e '&lt;p&gt;typed under Xvfb&lt;/p&gt;' <<<"$store" || e2e_fail "the typed line was not saved at quit"
+grep -qF -e '&lt;!-- template edit --&gt;' <<<"$store" || e2e_fail "the template edit was not saved at quit"
+grep -qF -e 'h1 { color: teal }' <<<"$store" || e2e_fail "the style sheet was not saved at quit"
 
 # Second launch: the line is back; type a second one, which must join it.
 e2e_start "$APP"
@@ -51,11 +51,11 @@ sleep 0.3
 e2e_screenshot "$SHOTS/e2e_restore-insert-menu.png"
 e2e_quit
 store=$(e2e_store)
-echo "$store" | grep -q '&lt;!-- template edit --&gt;' || e2e_fail "the template edit was not restored"
-echo "$store" | grep -q 'h1 { color: teal }' || e2e_fail "the style sheet was not restored"
-echo "$store" | grep -q '&lt;p&gt;typed under Xvfb&lt;/p&gt;' || e2e_fail "the first line was not restored"
-echo "$store" | grep -q '&lt;p&gt;second session&lt;/p&gt;' || e2e_fail "the second line was not saved"
-echo "$store" | grep -q '&lt;p&gt;&lt;/p&gt;after a shortcut' || e2e_fail "the tag shortcut inserted nothing"
+grep -qF -e '&lt;!-- template edit --&gt;' <<<"$store" || e2e_fail "the template edit was not restored"
+grep -qF -e 'h1 { color: teal }' <<<"$store" || e2e_fail "the style sheet was not restored"
+grep -qF -e '&lt;p&gt;typed under Xvfb&lt;/p&gt;' <<<"$store" || e2e_fail "the first line was not restored"
+grep -qF -e '&lt;p&gt;second session&lt;/p&gt;' <<<"$store" || e2e_fail "the second line was not saved"
+grep -qF -e '&lt;p&gt;&lt;/p&gt;after a shortcut' <<<"$store" || e2e_fail "the tag shortcut inserted nothing"
 
 # A file handed over on the command line opens in the HTML window.
 page="$E2E_HOME/handed over.html"
@@ -70,5 +70,5 @@ xdotool key --clearmodifiers ctrl+q
 timeout 30 tail --pid="$E2E_APP" -f /dev/null || e2e_fail "Ctrl+Q did not quit"
 wait "$E2E_APP" || e2e_fail "the app exited with an error after Ctrl+Q"
 E2E_APP=
-e2e_store | grep -q 'from the command line' || e2e_fail "the opened file's text was not kept"
+grep -qF 'from the command line' <<<"$(e2e_store)" || e2e_fail "the opened file's text was not kept"
 echo "PASS"
