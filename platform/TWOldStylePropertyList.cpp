@@ -75,12 +75,9 @@ void appendIndent(QString &out, int level)
     out.append(QString(indentWidth * level, u' '));
 }
 
-// level is the nesting of the value (0 for the root); a value nested deeper than the reader
-// accepts is refused, so that everything written can be read back.
+// level is the nesting of the value (0 for the root), for the indentation.
 bool appendValue(QString &out, const QVariant &value, int level)
 {
-    if (level >= TWOldStylePropertyList::maxDepth)
-        return false;
     switch (value.typeId()) {
     case QMetaType::QString:
         appendString(out, value.toString());
@@ -90,24 +87,7 @@ bool appendValue(QString &out, const QVariant &value, int level)
         out += QLatin1String(value.toByteArray().toHex());
         out += u'>';
         return true;
-    case QMetaType::Bool:
-        out += value.toBool() ? QLatin1String("YES") : QLatin1String("NO");
-        return true;
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-        // The form has no numbers: they become strings, and read back as strings.
-        appendString(out, value.toString());
-        return true;
-    case QMetaType::QVariantList:
-    case QMetaType::QStringList: {
+    case QMetaType::QVariantList: {
         const QVariantList list = value.toList();
         if (list.isEmpty()) {
             out += QLatin1String("()");

@@ -14,13 +14,14 @@
 class TWOldStylePropertyList
 {
 public:
-    // Plain-ASCII text of the value. A string is written bare when it is not empty and consists
-    // only of ASCII letters, digits and the characters _ $ + / : . - (and does not begin with
-    // //, which would read as a comment); otherwise it is quoted,
-    // with \" for a double quote, \\ for a backslash, \n, \t, \r for those controls and
-    // \UXXXX (four lower-case hex digits of the UTF-16 unit) for every other character outside
-    // printable ASCII. Numbers and booleans are written as their text (2, YES, NO), as the
-    // platform did. Answers std::nullopt for values with no old-style form.
+    // Plain-ASCII text of the value: strings, data, and arrays and dictionaries of them (the
+    // tag library writes nothing else: its numbers and flags are already strings). A string is
+    // written bare when it is not empty and consists only of ASCII letters, digits and the
+    // characters _ $ + / : . - (and does not begin with //, which would read as a comment);
+    // otherwise it is quoted, with \" for a double quote, \\ for a backslash, \n, \t, \r for
+    // those controls and \UXXXX (four lower-case hex digits of the UTF-16 unit) for every other
+    // character outside printable ASCII. Data is lower-case hex. Answers std::nullopt for any
+    // other type. Nesting is not limited here; the reader takes up to maxDepth levels.
     static std::optional<QString> write(const QVariant &value);
 
     // Parses one value filling the whole text (surrounding white space and // and /* */

@@ -11,10 +11,35 @@
 namespace {
 
 constexpr char dateFormat[] = "yyyy-MM-ddTHH:mm:ssZ";
+constexpr int firstDateYear = 1;
+constexpr int lastDateYear = 9999;
+// The processing instruction that carries one UTF-16 unit XML cannot carry: <?tw-char 000C?>.
+constexpr char characterTarget[] = "tw-char";
+constexpr int characterDigits = 4;
 constexpr char header[] = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                           "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
                           "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
                           "<plist version=\"1.0\">\n";
+
+// XML 1.0 cannot carry C0 controls other than tab, LF and CR, nor U+FFFE, U+FFFF or a
+// surrogate on its own: not raw, not as a character reference (parsers refuse &#12;).
+bool isUnitWithoutXMLForm(char16_t u)
+{
+    return (u < 0x20 && u != u'\t' && u != u'\n' && u != u'\r') || u == 0xFFFE || u == 0xFFFF
+        || QChar::isSurrogate(u);
+}
+
+bool isAsciiHexDigit(char16_t c)
+{
+    return (c >= u'0' && c <= u'9') || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
+}
+
+// What the writer can write back; the reader refuses any other date, as the store writes
+// again everything it has read.
+bool hasDateForm(const QDateTime &utc)
+{
+    return utc.isValid() && utc.date().year() >= firstDateYear && utc.date().year() <= lastDateYear;
+}
 
 // Writes the standard layout: the root value at the left margin inside <plist>, one tab more
 // for each level of nesting, empty containers as <dict/> and <array/>, data on one line.
@@ -31,11 +56,9 @@ public:
     }
 
 private:
-    // Element text in UTF-8 with & < > escaped. XML 1.0 cannot carry most control characters,
-    // not even as character references, nor U+FFFE, U+FFFF or a lone surrogate (which has no
-    // UTF-8 form at all): a string holding one has no property-list form and is refused, rather
-    // than written into a file nobody could read again, or read back as something else.
-    static std::optional<QByteArray> escaped(const QString &text)
+    // Element text in UTF-8 with & < > escaped. A unit XML cannot carry (see
+    // isUnitWithoutXMLForm) is written as <?tw-char XXXX?>, so that every text survives.
+    static QByteArray escaped(const QString &text)
     {
         QString result;
         result.reserve(text.size());
@@ -49,22 +72,19 @@ private:
             case u'>': result += QLatin1String("&gt;"); continue;
             // A reader turns a raw CR (and CR LF) into LF; as a character reference it survives.
             case u'\r': result += QLatin1String("&#13;"); continue;
-            case u'\t':
-            case u'\n': result += c; continue;
             default: break;
             }
-            if (u < 0x20 || u == 0xFFFE || u == 0xFFFF)
-                return std::nullopt;
-            if (c.isHighSurrogate()) {
-                if (i + 1 >= size || !text.at(i + 1).isLowSurrogate())
-                    return std::nullopt;
+            // A valid surrogate pair is one character, written as its UTF-8.
+            if (c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate()) {
                 result += c;
                 result += text.at(++i);
-                continue;
+            } else if (isUnitWithoutXMLForm(u)) {
+                result += QStringLiteral("<?%1 %2?>")
+                              .arg(QLatin1String(characterTarget),
+                                   QString::number(uint(u), 16).toUpper().rightJustified(characterDigits, u'0'));
+            } else {
+                result += c;
             }
-            if (c.isLowSurrogate())
-                return std::nullopt;
-            result += c;
         }
         return result.toUtf8();
     }
@@ -83,14 +103,7 @@ private:
         out += ">\n";
     }
 
-    bool text(int depth, const char *name, const QString &content)
-    {
-        const std::optional<QByteArray> text = escaped(content);
-        if (!text)
-            return false;
-        element(depth, name, *text);
-        return true;
-    }
+    void text(int depth, const char *name, const QString &content) { element(depth, name, escaped(content)); }
 
     // depth counts the root value as 1, as the reader does, so nothing is written that the
     // reader would refuse as too deep (and the recursion here stays bounded too).
@@ -108,7 +121,8 @@ private:
             }
             out += "<dict>\n";
             for (auto it = map.cbegin(); it != map.cend(); ++it) {
-                if (!text(depth + 1, "key", it.key()) || !this->value(it.value(), depth + 1))
+                text(depth + 1, "key", it.key());
+                if (!this->value(it.value(), depth + 1))
                     return false;
             }
             indent(depth);
@@ -133,7 +147,8 @@ private:
             return true;
         }
         case QMetaType::QString:
-            return text(depth, "string", value.toString());
+            text(depth, "string", value.toString());
+            return true;
         case QMetaType::QByteArray:
             element(depth, "data", value.toByteArray().toBase64());
             return true;
@@ -174,7 +189,7 @@ private:
         case QMetaType::QDateTime: {
             // Kept to the second, in UTC; a date the four-digit form cannot hold is refused.
             const QDateTime date = value.toDateTime().toUTC();
-            if (!date.isValid() || date.date().year() < 1 || date.date().year() > 9999)
+            if (!hasDateForm(date))
                 return false;
             element(depth, "date", date.toString(QLatin1String(dateFormat)).toLatin1());
             return true;
@@ -298,9 +313,24 @@ private:
         return false;
     }
 
+    // The unit of a <?tw-char XXXX?> instruction: one to four hex digits naming a unit that
+    // XML cannot carry; anything else is not what the writer wrote, and is refused.
+    std::optional<QChar> characterUnit()
+    {
+        const QStringView digits = xml.processingInstructionData();
+        bool ok = digits.size() <= characterDigits;
+        for (const QChar c : digits)
+            ok = ok && isAsciiHexDigit(c.unicode());
+        const uint unit = ok ? digits.toUInt(&ok, 16) : 0;
+        if (!ok || !isUnitWithoutXMLForm(char16_t(unit)))
+            return fail(QStringLiteral("bad <?%1 %2?>").arg(QLatin1String(characterTarget), digits.left(40)));
+        return QChar(char16_t(unit));
+    }
+
     // The text of a simple element; the reader ends on its end element. Elements inside it
     // and entities that cannot be resolved are errors: the text would silently lose a part.
-    std::optional<QString> elementText()
+    // In string and key text (withCharacters) a tw-char instruction stands for its unit.
+    std::optional<QString> elementText(bool withCharacters = false)
     {
         QString text;
         while (!xml.atEnd()) {
@@ -310,8 +340,15 @@ private:
                 break;
             case QXmlStreamReader::EndElement:
                 return text;
-            case QXmlStreamReader::Comment:
             case QXmlStreamReader::ProcessingInstruction:
+                if (withCharacters && xml.processingInstructionTarget() == QLatin1String(characterTarget)) {
+                    const std::optional<QChar> unit = characterUnit();
+                    if (!unit)
+                        return std::nullopt;
+                    text += *unit;
+                }
+                break;
+            case QXmlStreamReader::Comment:
                 break;
             case QXmlStreamReader::EntityReference:
                 return fail(QStringLiteral("unknown entity &%1;").arg(xml.name()));
@@ -354,11 +391,14 @@ private:
     std::optional<QVariant> date(const QString &text)
     {
         QDateTime date = QDateTime::fromString(text.trimmed(), Qt::ISODate);
-        if (!date.isValid())
-            return fail(QStringLiteral("bad date \"%1\"").arg(text.left(40)));
         if (date.timeSpec() == Qt::LocalTime)
             date.setTimeSpec(Qt::UTC);
-        return QVariant(date.toUTC());
+        // To the second, as it is written; a date the writer could not write back is refused.
+        date = date.toUTC();
+        date = date.addMSecs(-date.time().msec());
+        if (!hasDateForm(date))
+            return fail(QStringLiteral("bad date \"%1\"").arg(text.left(40)));
+        return QVariant(date);
     }
 
     std::optional<QVariant> data(const QString &text)
@@ -396,10 +436,11 @@ private:
             || name == QLatin1String("integer") || name == QLatin1String("real") || name == QLatin1String("date");
         if (!known)
             return fail(QStringLiteral("unknown element <%1>").arg(name));
-        const std::optional<QString> text = elementText();
+        const bool isString = name == QLatin1String("string");
+        const std::optional<QString> text = elementText(isString);
         if (!text)
             return std::nullopt;
-        if (name == QLatin1String("string"))
+        if (isString)
             return QVariant(*text);
         if (name == QLatin1String("data"))
             return data(*text);
@@ -416,7 +457,7 @@ private:
         while (nextElement()) {
             if (xml.name() != QLatin1String("key"))
                 return fail(QStringLiteral("<%1> in a dict without a key").arg(xml.name()));
-            const std::optional<QString> key = elementText();
+            const std::optional<QString> key = elementText(true);
             if (!key)
                 return std::nullopt;
             if (!nextElement())

@@ -1,4 +1,6 @@
-// Windows are ordered by their last activation; hidden and minimised ones are not visible.
+// Windows are ordered by their last activation, a closed one leaves the order; hidden and
+// minimised windows are not visible. (Choosing the document window by this order is tested
+// with the editor text view.)
 #include "platform/TWWindowOrder.h"
 
 #include <QApplication>
@@ -10,34 +12,24 @@ class tst_TWWindowOrder : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void lastActivatedComesFirst()
+    void lastActivatedFirstClosedGone()
     {
         TWWindowOrder *order = TWWindowOrder::shared();
-        QWidget first, second, third;
-        for (QWidget *window : {&first, &second, &third}) {
-            window->resize(100, 100);
-            window->show();
-            QVERIFY(QTest::qWaitForWindowExposed(window));
-        }
-        for (QWidget *window : {&third, &first, &second}) {
-            QApplication::setActiveWindow(window);
-            QTRY_COMPARE(QApplication::activeWindow(), window);
-        }
-        const QList<QWidget *> windows = order->orderedWindows();
-        QCOMPARE(windows.mid(0, 3), (QList<QWidget *>{&second, &first, &third}));
-
-        // A window that goes away leaves the order.
+        QWidget first, second;
         {
             QWidget passing;
-            passing.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&passing));
-            QApplication::setActiveWindow(&passing);
-            QTRY_COMPARE(order->orderedWindows().first(), &passing);
+            for (QWidget *window : {&second, &first, &passing}) {
+                window->show();
+                QVERIFY(QTest::qWaitForWindowExposed(window));
+                QApplication::setActiveWindow(window);
+                QTRY_COMPARE(order->orderedWindows().first(), window);
+            }
+            QCOMPARE(order->orderedWindows().mid(0, 3), (QList<QWidget *>{&passing, &first, &second}));
         }
-        QCOMPARE(order->orderedWindows().first(), &second);
+        QCOMPARE(order->orderedWindows().mid(0, 2), (QList<QWidget *>{&first, &second}));
     }
 
-    void visibilityMeansShownAndNotMinimised()
+    void visibleMeansShownAndNotMinimised()
     {
         QWidget window;
         QVERIFY(!TWWindowOrder::isWindowVisible(&window));
@@ -45,7 +37,6 @@ private Q_SLOTS:
         QVERIFY(TWWindowOrder::isWindowVisible(&window));
         window.showMinimized();
         QVERIFY(!TWWindowOrder::isWindowVisible(&window));
-        QVERIFY(!TWWindowOrder::isWindowVisible(nullptr));
     }
 };
 
