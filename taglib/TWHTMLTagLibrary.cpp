@@ -5,14 +5,19 @@
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
 #include "platform/TWOldStylePropertyList.h"
+#include "platform/TWPaths.h"
 #include "platform/TWTextKeys.h"
+#include "platform/TWUserDefaults.h"
 #include "preferences/TWPreferences.h"
 #include "taglib/TWCommentTag.h"
 #include "taglib/TWGenericTag.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWQuotation.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QSaveFile>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -24,6 +29,11 @@ std::function<void()> rebuildMenusHook;
 std::function<void()> recolorTextsHook;
 
 constexpr char defaultLibraryResource[] = ":/default.tlib";
+constexpr char libraryExtension[] = "tlib";
+// Where a stored library text that cannot be read is kept.
+constexpr char setAsideFileFormat[] = "Unreadable Tag Library %1.%2";
+constexpr char setAsideStampFormat[] = "yyyy-MM-dd hh.mm.ss";
+constexpr char setAsideKey[] = "Unreadable HTML Tag Library";
 
 // Keys of a record in the tag library text.
 constexpr char typeKey[] = "type";
@@ -103,9 +113,31 @@ TWHTMLTagLibrary::TWHTMLTagLibrary()
     , quotation(std::make_shared<TWQuotation>())
 {
     const std::optional<QString> &text = TWPreferences::sharedPref()->tagLibraryArray();
-    // A stored text that cannot be read leaves the library to its default set rather than empty.
-    if (!text || !loadFromPropertyListDictionary(*text))
+    if (!text) {
         setDefaultTags();
+        return;
+    }
+    if (loadFromPropertyListDictionary(*text, &setAsideReasonValue))
+        return;
+    // A stored text that cannot be read leaves the library to its default set rather than
+    // empty; the user's text is kept aside first, since the next quit stores the library in
+    // its place.
+    setAsideFileNameValue = setAside(*text);
+    setDefaultTags();
+}
+
+QString TWHTMLTagLibrary::setAside(const QString &text)
+{
+    const QString stamp = QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat));
+    const QString path = TWApplicationDataFolder() + QLatin1Char('/')
+        + QString::fromLatin1(setAsideFileFormat).arg(stamp, QLatin1String(libraryExtension));
+    QDir().mkpath(TWApplicationDataFolder());
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit())
+        return path;
+    // Nowhere to write it: it stays in the store, under a key the library never writes.
+    TWUserDefaults::standardUserDefaults()->setObject(text, QLatin1String(setAsideKey));
+    return TWUserDefaults::standardUserDefaults()->fileName();
 }
 
 TWHTMLTagLibrary::~TWHTMLTagLibrary()
@@ -300,20 +332,32 @@ QString TWHTMLTagLibrary::propertyListString() const
     return TWOldStylePropertyList::write(records).value_or(QString());
 }
 
-bool TWHTMLTagLibrary::loadFromPropertyListDictionary(const QString &text)
+bool TWHTMLTagLibrary::loadFromPropertyListDictionary(const QString &text, QString *error)
 {
+    const auto fail = [error](const QString &why) {
+        if (error)
+            *error = why;
+        return false;
+    };
     // Every record is read before anything changes: a text that fails anywhere leaves the
     // library whole.
-    const std::optional<QVariant> outer = TWOldStylePropertyList::read(text);
-    if (!outer || outer->typeId() != QMetaType::QVariantList)
-        return false;
+    QString why;
+    const std::optional<QVariant> outer = TWOldStylePropertyList::read(text, &why);
+    if (!outer)
+        return fail(why);
+    if (outer->typeId() != QMetaType::QVariantList)
+        return fail(QStringLiteral("the text is not a list of records"));
     QList<QVariantMap> records;
-    for (const QVariant &element : outer->toList()) {
-        if (element.typeId() != QMetaType::QString)
-            return false;
-        const std::optional<QVariant> record = TWOldStylePropertyList::read(element.toString());
-        if (!record || record->typeId() != QMetaType::QVariantMap)
-            return false;
+    const QVariantList elements = outer->toList();
+    for (qsizetype i = 0; i < elements.size(); ++i) {
+        const QString which = QStringLiteral("record %1").arg(i + 1);
+        if (elements.at(i).typeId() != QMetaType::QString)
+            return fail(which + QStringLiteral(" is not the text of a record"));
+        const std::optional<QVariant> record = TWOldStylePropertyList::read(elements.at(i).toString(), &why);
+        if (!record)
+            return fail(which + QStringLiteral(": ") + why);
+        if (record->typeId() != QMetaType::QVariantMap)
+            return fail(which + QStringLiteral(" is not a dictionary"));
         records << record->toMap();
     }
 

@@ -64,8 +64,13 @@ public:
     // The tag library text of the list.
     QString propertyListString() const;
     // Replaces the list by the records of a tag library text. A text that is not a list of
-    // record texts leaves the library as it was and answers false.
-    bool loadFromPropertyListDictionary(const QString &text);
+    // record texts leaves the library as it was and answers false; *error then says why.
+    bool loadFromPropertyListDictionary(const QString &text, QString *error = nullptr);
+
+    // When the stored library text could not be read at start: where it was kept (a file in
+    // the data folder), and why it could not be read; otherwise both empty.
+    const QString &setAsideFileName() const { return setAsideFileNameValue; }
+    const QString &setAsideReason() const { return setAsideReasonValue; }
 
     // What the change of the list reaches: the insert-tag menus and palette are rebuilt, then
     // (after the colours are worked out) the coloured texts are recoloured. The application
@@ -73,6 +78,7 @@ public:
     static void setDependants(std::function<void()> rebuildMenus, std::function<void()> recolorTexts);
 
 private:
+    static QString setAside(const QString &text);
     static bool isSpecial(const TWHTMLTag &tag);
     static bool isShortcutKeyAvailable(const QString &key, const TWHTMLTag *record, const QList<Tag> &list);
 
@@ -85,4 +91,6 @@ private:
     std::shared_ptr<TWGenericTag> generic;
     std::shared_ptr<TWQuotation> quotation;
     int generation = 0;
+    QString setAsideFileNameValue;
+    QString setAsideReasonValue;
 };

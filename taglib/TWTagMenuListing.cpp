@@ -38,3 +38,8 @@ QKeySequence TWTagMenuListing::shortcut(const TWHTMLTag &tag)
     // "+" and "," mean themselves rather than separators.
     return QKeySequence(QKeyCombination(modifiers, Qt::Key(key.toUpper().unicode())));
 }
+
+QString TWTagMenuListing::menuText(const QString &title)
+{
+    return QString(title).replace(QLatin1Char('&'), QLatin1String("&&"));
+}

@@ -21,4 +21,7 @@ struct TWTagMenuListing
     // The menu shortcut of a record with a shortcut key: Ctrl+Alt and the key, with Shift when
     // the key is an upper-case letter, so that "k" and "K" are two shortcuts.
     static QKeySequence shortcut(const TWHTMLTag &tag);
+    // The text of a menu item that shows a title as it is: a menu takes "&" as the mark of an
+    // accelerator key, so it is doubled.
+    static QString menuText(const QString &title);
 };

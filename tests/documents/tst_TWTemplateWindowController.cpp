@@ -1,5 +1,5 @@
-// The template window: default template, halves and their copies, apply flag with its menu
-// and viewer states, files, one undo history for both halves, and state across launches.
+// The template window: halves and their copies, the apply flag, one undo history for both
+// halves, the active half, files, and state across launches (the default template at first).
 #include "documents/TWTemplateWindowController.h"
 
 #include "TWRecordingPreview.h"
@@ -26,6 +26,12 @@ QByteArray readBytes(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool writeBytes(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 } // namespace
@@ -60,23 +66,6 @@ private Q_SLOTS:
         TWPanels::setSavePanelHandler({});
     }
 
-    void firstLaunchHasTheDefaultTemplate()
-    {
-        TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
-        const TWTemplateText::Halves halves = TWTemplateText::split(TWTemplateText::builtInDefault());
-        QCOMPARE(window->topTextView()->string(), halves.top);
-        QCOMPARE(window->bottomTextView()->string(), halves.bottom);
-        QCOMPARE(window->getCombinedText(), TWTemplateText::builtInDefault());
-        QVERIFY(window->applyTemplate());
-        QVERIFY(TWAppDelegate::sharedAppDelegate()->applyTemplateMenu->isChecked());
-        QCOMPARE(viewer.templateButtonStates.last(), true);
-        QCOMPARE(window->windowTitle(), QStringLiteral("Template:> Untitled <"));
-        QCOMPARE(window->templateFilename(), QString());
-        QCOMPARE(window->topTextView()->pairedView(), window->bottomTextView());
-        QCOMPARE(window->bottomTextView()->pairedView(), window->topTextView());
-        QCOMPARE(window->bottomTextView()->topTextView(), window->topTextView());
-    }
-
     void switchedOffTemplateGivesEmptyHalvesButKeepsThem()
     {
         TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
@@ -85,14 +74,11 @@ private Q_SLOTS:
         window->toggleApplyTemplate();
         QVERIFY(!window->applyTemplate());
         QCOMPARE(viewer.directRenderRequests, renders + 1);
-        QVERIFY(!TWAppDelegate::sharedAppDelegate()->applyTemplateMenu->isChecked());
         QCOMPARE(viewer.templateButtonStates.last(), false);
         QCOMPARE(window->topTemplateText(), QString());
         QCOMPARE(window->bottomTemplateText(), QString());
         QCOMPARE(window->getCombinedText(), QStringLiteral("top<<TAGWRIGHTTEMPLATEDIVIDER>>bottom"));
-        // The menu item toggles the same flag.
-        TWAppDelegate::sharedAppDelegate()->applyTemplateMenu->trigger();
-        QVERIFY(window->applyTemplate());
+        window->toggleApplyTemplate();
         QCOMPARE(window->topTemplateText(), QStringLiteral("top"));
     }
 
@@ -104,7 +90,7 @@ private Q_SLOTS:
         const int timers = viewer.renderTimersFired;
         QTest::keyClicks(window->bottomTextView(), QStringLiteral("<hr>"));
         QCOMPARE(window->bottomTemplateText(), QStringLiteral("<hr></body>"));
-        QCOMPARE(viewer.renderTimersFired, timers + 4);
+        QCOMPARE(viewer.renderTimersFired, timers + 4); // each key asks for a render
         QCOMPARE(window->getCombinedText(), QStringLiteral("<body><<TAGWRIGHTTEMPLATEDIVIDER>><hr></body>"));
     }
 
@@ -146,6 +132,8 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(window));
         QApplication::setActiveWindow(window);
         window->loadTemplate(QStringLiteral("abcdef<<TAGWRIGHTTEMPLATEDIVIDER>>ghi"));
+        QCOMPARE(window->topTextView()->pairedView(), window->bottomTextView());
+        QCOMPARE(window->bottomTextView()->pairedView(), window->topTextView());
         window->topTextView()->setFocus();
         QTRY_VERIFY(window->topTextView()->hasFocus());
         QCOMPARE(window->activeTextView(), window->topTextView());
@@ -162,14 +150,10 @@ private Q_SLOTS:
     {
         TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
         const QString path = dir.filePath(QStringLiteral("site.twtemp"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<p>\xe6\x97\xa5</p>\r\n<<TAGWRIGHTTEMPLATEDIVIDER>>\r\n<!-- end -->");
-        file.close();
+        QVERIFY(writeBytes(path, "<p>\xe6\x97\xa5</p>\r\n<<TAGWRIGHTTEMPLATEDIVIDER>>\r\n<!-- end -->"));
         QVERIFY(window->openTemplateFile(path));
         QCOMPARE(window->topTextView()->string(), QString::fromUtf8("<p>日</p>\n"));
         QCOMPARE(window->bottomTextView()->string(), QStringLiteral("\n<!-- end -->"));
-        QCOMPARE(window->windowTitle(), QStringLiteral("Template:site.twtemp"));
 
         // A text without divider is saved followed by the divider.
         window->loadTemplate(QStringLiteral("<head>\n"));
@@ -185,14 +169,10 @@ private Q_SLOTS:
         QCOMPARE(proposed, QStringLiteral("site.twtemp"));
         QCOMPARE(offered, QStringList{QStringLiteral("twtemp")});
         QCOMPARE(readBytes(copy), QByteArray("<head>\n<<TAGWRIGHTTEMPLATEDIVIDER>>"));
-        QCOMPARE(window->templateFilename(), copy);
 
         // An undecodable file beeps and changes nothing.
         const QString bad = dir.filePath(QStringLiteral("bad.twtemp"));
-        QFile badFile(bad);
-        QVERIFY(badFile.open(QIODevice::WriteOnly));
-        badFile.write("\xff\xfe");
-        badFile.close();
+        QVERIFY(writeBytes(bad, "\xff\xfe"));
         QVERIFY(window->openTemplateFile(bad));
         QCOMPARE(TWBeepCount(), 1);
         QCOMPARE(window->templateFilename(), copy);
@@ -200,43 +180,53 @@ private Q_SLOTS:
 
         window->newDocument();
         QCOMPARE(window->getCombinedText(), QStringLiteral("<<TAGWRIGHTTEMPLATEDIVIDER>>"));
-        QCOMPARE(window->windowTitle(), QStringLiteral("Template:> Untitled <"));
+        QCOMPARE(window->templateFilename(), QString());
     }
 
     void stateComesBackAtNextLaunch_data()
     {
-        QTest::addColumn<QVariant>("showWindow");
-        QTest::addColumn<QVariant>("apply");
+        QTest::addColumn<QVariant>("defaults");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("title");
         QTest::addColumn<bool>("shown");
         QTest::addColumn<bool>("applied");
-        QTest::newRow("shown and applied") << QVariant(QStringLiteral("YES")) << QVariant(QStringLiteral("YES")) << true << true;
-        QTest::newRow("hidden, not applied") << QVariant(QStringLiteral("NO")) << QVariant(QStringLiteral("NO")) << false << false;
-        QTest::newRow("lower-case no shows") << QVariant(QStringLiteral("no")) << QVariant(QStringLiteral("no")) << true << true;
-        QTest::newRow("absent keys show and apply") << QVariant() << QVariant() << true << true;
+        const auto defaults = [](const QVariant &show, const QVariant &apply) {
+            QVariantMap map{{QLatin1String(TWStateEntry::templateText), QStringLiteral("a<<TAGWRIGHTTEMPLATEDIVIDER>>b")},
+                            {QLatin1String(TWStateEntry::templateFilename), QStringLiteral("/x/t.twtemp")}};
+            if (show.isValid())
+                map.insert(QLatin1String(TWStateEntry::showWindow), show);
+            if (apply.isValid())
+                map.insert(QLatin1String(TWStateEntry::applyTemplate), apply);
+            return QVariant(map);
+        };
+        const QString text = QStringLiteral("a<<TAGWRIGHTTEMPLATEDIVIDER>>b");
+        const QString title = QStringLiteral("Template:t.twtemp");
+        QTest::newRow("none: the default template") << QVariant() << TWTemplateText::builtInDefault()
+                                                    << QStringLiteral("Template:> Untitled <") << true << true;
+        QTest::newRow("shown and applied") << defaults(QStringLiteral("YES"), QStringLiteral("YES")) << text << title << true << true;
+        QTest::newRow("hidden, not applied") << defaults(QStringLiteral("NO"), QStringLiteral("NO")) << text << title << false << false;
+        QTest::newRow("lower-case no shows") << defaults(QStringLiteral("no"), QStringLiteral("no")) << text << title << true << true;
+        QTest::newRow("absent keys show and apply") << defaults(QVariant(), QVariant()) << text << title << true << true;
     }
 
     void stateComesBackAtNextLaunch()
     {
-        QFETCH(QVariant, showWindow);
-        QFETCH(QVariant, apply);
+        QFETCH(QVariant, defaults);
+        QFETCH(QString, text);
+        QFETCH(QString, title);
         QFETCH(bool, shown);
         QFETCH(bool, applied);
-        QVariantMap defaults;
-        defaults.insert(QLatin1String(TWStateEntry::templateText), QStringLiteral("a<<TAGWRIGHTTEMPLATEDIVIDER>>b"));
-        defaults.insert(QLatin1String(TWStateEntry::templateFilename), QStringLiteral("/x/t.twtemp"));
-        if (showWindow.isValid())
-            defaults.insert(QLatin1String(TWStateEntry::showWindow), showWindow);
-        if (apply.isValid())
-            defaults.insert(QLatin1String(TWStateEntry::applyTemplate), apply);
-        TWUserDefaults::standardUserDefaults()->setObject(defaults, QLatin1String(TWWindowDefaultsKey::templateWindow));
-        TWUserDefaults::standardUserDefaults()->synchronize();
+        if (defaults.isValid())
+            TWUserDefaults::standardUserDefaults()->setObject(defaults, QLatin1String(TWWindowDefaultsKey::templateWindow));
+        else
+            TWUserDefaults::standardUserDefaults()->removeObjectForKey(QLatin1String(TWWindowDefaultsKey::templateWindow));
 
         TWTemplateWindowController *window = relaunch();
-        QCOMPARE(window->topTextView()->string(), QStringLiteral("a"));
+        QCOMPARE(window->getCombinedText(), text);
+        QCOMPARE(window->windowTitle(), title);
         QCOMPARE(window->bottomTemplateText().isEmpty(), !applied);
-        QCOMPARE(window->templateFilename(), QStringLiteral("/x/t.twtemp"));
-        QCOMPARE(window->applyTemplate(), applied);
         QCOMPARE(TWAppDelegate::sharedAppDelegate()->applyTemplateMenu->isChecked(), applied);
+        QCOMPARE(viewer.templateButtonStates.last(), applied);
         QVERIFY(!window->isVisible());
         window->loadTemplateAtAppLaunch();
         QCOMPARE(window->isVisible(), shown);
@@ -247,17 +237,8 @@ private Q_SLOTS:
             QLatin1String(TWWindowDefaultsKey::templateWindow));
         QCOMPARE(saved.value(QLatin1String(TWStateEntry::showWindow)).toString(), shown ? QStringLiteral("YES") : QStringLiteral("NO"));
         QCOMPARE(saved.value(QLatin1String(TWStateEntry::applyTemplate)).toString(), applied ? QStringLiteral("YES") : QStringLiteral("NO"));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::templateText)).toString(), QStringLiteral("a<<TAGWRIGHTTEMPLATEDIVIDER>>b"));
+        QCOMPARE(saved.value(QLatin1String(TWStateEntry::templateText)).toString(), text);
         window->hide();
-    }
-
-    void missingDefaultsGiveTheDefaultTemplate()
-    {
-        TWUserDefaults::standardUserDefaults()->removeObjectForKey(QLatin1String(TWWindowDefaultsKey::templateWindow));
-        TWTemplateWindowController *window = relaunch();
-        QCOMPARE(window->getCombinedText(), TWTemplateText::builtInDefault());
-        window->loadTemplateAtAppLaunch();
-        QVERIFY(window->isVisible());
     }
 };
 

@@ -1,47 +1,45 @@
-// Tag records: what they insert, their fixed parts for the special tags, copying, keys.
+// Tag records: what they insert, the fixed parts of the special tags, copying, keys.
 #include "taglib/TWHTMLTag.h"
 
 #include "platform/TWBeep.h"
-#include "platform/TWLocalization.h"
 #include "taglib/TWCommentTag.h"
 #include "taglib/TWGenericTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
 #include "taglib/TWQuotation.h"
 
-#include <QCoreApplication>
 #include <QTest>
+
+#include <memory>
+
+Q_DECLARE_METATYPE(std::shared_ptr<TWHTMLTag>)
+
+namespace {
+
+// Every field of a record but its name, by a short name.
+QMap<QString, QString> fields(const TWHTMLTag &tag)
+{
+    return {{"type", QString::number(tag.type())}, {"tag", tag.tag()}, {"sample", tag.colorSampleTag()},
+            {"first", tag.firstTag()}, {"second", tag.secondTag()}, {"specific", QString::number(tag.useSpecificColor())},
+            {"colour", tag.tagColor().name()}, {"key", tag.shortcutKey()}, {"menu", QString::number(tag.includeInMenu())},
+            {"title", tag.title()}};
+}
+
+} // namespace
 
 class tst_TWHTMLTag : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
+    void newRecordTakesTheGenericColour()
     {
-        TWInstallTranslations(QCoreApplication::instance());
-    }
-
-    void init()
-    {
-        TWResetBeepCount();
-    }
-
-    void newRecordInsertsTagPair()
-    {
+        TWHTMLTagLibrary::sharedTagLibrary()->genericTag()->setTagColor(Qt::magenta);
         TWHTMLTag tag;
-        QCOMPARE(tag.type(), TWHTMLTag::pairedType);
-        QCOMPARE(tag.insertingStringWithSelectedString(QStringLiteral("x")), std::optional<QString>(QStringLiteral("<Tag>x</Tag>")));
-        QCOMPARE(tag.colorSampleTag(), QStringLiteral("<Tag>"));
-        QCOMPARE(tag.tagColor(), TWHTMLTagLibrary::sharedTagLibrary()->genericTagColor());
-        QCOMPARE(tag.tag(), QStringLiteral("Tag"));
-        QCOMPARE(tag.name(), QStringLiteral("New Tag"));
-        QCOMPARE(tag.title(), QStringLiteral("HTML Tag"));
-        QVERIFY(tag.includeInMenu());
-        QVERIFY(!tag.useSpecificColor());
+        QCOMPARE(tag.tagColor(), QColor(Qt::magenta));
+        // The sample text follows the element name; the insertion texts do not.
         tag.setTag(QStringLiteral("em"));
         QCOMPARE(tag.colorSampleTag(), QStringLiteral("<em>"));
-        QCOMPARE(tag.firstTag(), QStringLiteral("<Tag>"));
-        QCOMPARE(tag.secondTag(), QStringLiteral("</Tag>"));
+        QCOMPARE(tag.insertingStringWithSelectedString(QStringLiteral("x")), std::optional<QString>(QStringLiteral("<Tag>x</Tag>")));
     }
 
     void insertion_data()
@@ -61,6 +59,7 @@ private Q_SLOTS:
         QFETCH(int, type);
         QFETCH(QString, selection);
         QFETCH(QVariant, expected);
+        TWResetBeepCount();
         const TWHTMLTag tag(type, QStringLiteral("br"), QString(), QStringLiteral("<br>"), QStringLiteral("</x>"), true,
                             false, Qt::blue, QString());
         const std::optional<QString> text = tag.insertingStringWithSelectedString(selection);
@@ -75,84 +74,60 @@ private Q_SLOTS:
         TWHTMLTag tag;
         tag.setShortcutKey(QStringLiteral("xyz"));
         QCOMPARE(tag.shortcutKey(), QStringLiteral("x"));
-        QVERIFY(tag.hasShortcutKey());
         tag.setShortcutKey(QString());
-        QCOMPARE(tag.shortcutKey(), QString());
         QVERIFY(!tag.hasShortcutKey());
+    }
+
+    void specialTagsKeepTheirFixedParts_data()
+    {
+        QTest::addColumn<std::shared_ptr<TWHTMLTag>>("tag");
+        QTest::addColumn<QStringList>("kept");
+        const QStringList fixed{"type", "tag", "sample", "first", "second"};
+        QTest::newRow("comment") << std::shared_ptr<TWHTMLTag>(new TWCommentTag) << fixed;
+        QTest::newRow("generic") << std::shared_ptr<TWHTMLTag>(new TWGenericTag) << fixed + QStringList{"specific"};
+        QTest::newRow("quotation") << std::shared_ptr<TWHTMLTag>(new TWQuotation)
+                                   << fixed + QStringList{"specific", "colour"};
     }
 
     void specialTagsKeepTheirFixedParts()
     {
-        TWCommentTag comment;
-        comment.setTag(QStringLiteral("b"));
-        comment.setFirstTag(QStringLiteral("["));
-        comment.setSecondTag(QStringLiteral("]"));
-        comment.setType(1);
-        QCOMPARE(comment.tag(), QStringLiteral("!--"));
-        QCOMPARE(comment.firstTag(), QStringLiteral("<!-- "));
-        QCOMPARE(comment.secondTag(), QStringLiteral(" -->"));
-        QCOMPARE(comment.type(), 2);
-        QCOMPARE(comment.colorSampleTag(), QStringLiteral("<!-->"));
-        QCOMPARE(comment.title(), QStringLiteral("Comment  <!--...-->"));
-        comment.setUseSpecificColor(false);
-        QVERIFY(!comment.useSpecificColor());
-        comment.setTagColor(Qt::green);
-        QCOMPARE(comment.tagColor(), QColor(Qt::green));
-
-        TWGenericTag generic;
-        generic.setUseSpecificColor(false);
-        QVERIFY(generic.useSpecificColor());
-        QCOMPARE(generic.type(), 1);
-        QCOMPARE(generic.firstTag(), QStringLiteral("<>"));
-        QCOMPARE(generic.title(), QStringLiteral("Generic Tag  <>"));
-        generic.setTagColor(Qt::gray);
-        QCOMPARE(generic.tagColor(), QColor(Qt::gray));
-
-        TWQuotation quotation;
-        const QColor brown = quotation.tagColor();
-        quotation.setTagColor(Qt::green);
-        QCOMPARE(quotation.tagColor(), brown);
-        QCOMPARE(quotation.colorSampleTag(), QString());
-        QCOMPARE(quotation.insertingStringWithSelectedString(QStringLiteral("q")),
-                 std::optional<QString>(QStringLiteral("\"q\"")));
+        QFETCH(std::shared_ptr<TWHTMLTag>, tag);
+        QFETCH(QStringList, kept);
+        const QMap<QString, QString> before = fields(*tag);
+        tag->setType(tag->type() == 1 ? 2 : 1);
+        tag->setTag(QStringLiteral("em"));
+        tag->setFirstTag(QStringLiteral("["));
+        tag->setSecondTag(QStringLiteral("]"));
+        tag->setUseSpecificColor(!tag->useSpecificColor());
+        tag->setTagColor(Qt::cyan);
         // What every record may change, the special ones may too.
-        quotation.setTitle(QStringLiteral("Quotes"));
-        quotation.setShortcutKey(QStringLiteral("q"));
-        quotation.setIncludeInMenu(false);
-        QCOMPARE(quotation.title(), QStringLiteral("Quotes"));
-        QCOMPARE(quotation.shortcutKey(), QStringLiteral("q"));
-        QVERIFY(!quotation.includeInMenu());
+        tag->setShortcutKey(QStringLiteral("q"));
+        tag->setIncludeInMenu(false);
+        tag->setTitle(QStringLiteral("Retitled"));
+        const QMap<QString, QString> after = fields(*tag);
+        for (auto it = before.cbegin(); it != before.cend(); ++it)
+            QVERIFY2((after.value(it.key()) == it.value()) == kept.contains(it.key()), qPrintable(it.key()));
     }
 
     void copyTakesAllButTheKey()
     {
-        TWHTMLTag source(1, QStringLiteral("hr"), QStringLiteral("Rule"), QStringLiteral("<hr>"), QString(), false, true,
-                         Qt::darkGreen, QStringLiteral("Rule  <hr>"));
+        TWHTMLTag source(1, QStringLiteral("hr"), QStringLiteral("Rule"), QStringLiteral("<hr>"), QStringLiteral("-"),
+                         false, true, Qt::darkGreen, QStringLiteral("Rule  <hr>"));
         source.setShortcutKey(QStringLiteral("b"));
         TWHTMLTag copy;
         copy.copyFromTag(source);
-        QCOMPARE(copy.type(), 1);
-        QCOMPARE(copy.tag(), QStringLiteral("hr"));
-        QCOMPARE(copy.colorSampleTag(), QStringLiteral("<hr>"));
-        QCOMPARE(copy.name(), QStringLiteral("Rule"));
-        QCOMPARE(copy.firstTag(), QStringLiteral("<hr>"));
-        QVERIFY(copy.useSpecificColor());
-        QVERIFY(!copy.includeInMenu());
-        QCOMPARE(copy.tagColor(), QColor(Qt::darkGreen));
-        QCOMPARE(copy.title(), QStringLiteral("Rule  <hr>"));
-        QCOMPARE(copy.shortcutKey(), QString());
+        QMap<QString, QString> expected = fields(source);
+        expected.insert(QStringLiteral("key"), QString());
+        QCOMPARE(fields(copy), expected);
+        QCOMPARE(copy.name(), source.name());
 
-        // A special tag takes the type and flags even where its setters refuse them.
-        TWGenericTag generic;
-        generic.copyFromTag(source);
-        QCOMPARE(generic.type(), 1);
-        QVERIFY(!generic.includeInMenu());
-        QCOMPARE(generic.firstTag(), QStringLiteral("<>"));
-        TWCommentTag comment;
-        source.setType(2);
-        comment.copyFromTag(source);
-        QCOMPARE(comment.tag(), QStringLiteral("!--"));
-        QCOMPARE(comment.tagColor(), QColor(Qt::darkGreen));
+        // A special tag takes the type and both flags even where its setters refuse them, and
+        // keeps its texts and colour.
+        TWQuotation quotation;
+        expected = fields(quotation);
+        quotation.copyFromTag(source);
+        expected.insert(QMap<QString, QString>{{"type", "1"}, {"specific", "1"}, {"menu", "0"}, {"title", source.title()}});
+        QCOMPARE(fields(quotation), expected);
     }
 };
 

@@ -39,12 +39,18 @@ TWHTMLTagLibrary *library()
     return TWHTMLTagLibrary::sharedTagLibrary();
 }
 
-// The shared library back to the built-in set, and everything that depends on it rebuilt.
-void builtInLibrary()
+// The delegate's menu-bar command whose title holds the words.
+QAction *command(const QString &words)
 {
-    library()->loadFromPropertyListDictionary(QStringLiteral("()"));
-    library()->setBuiltInTags();
-    library()->validateTagListChange();
+    QMenuBar bar;
+    TWAppDelegate::sharedAppDelegate()->populateMenuBar(&bar);
+    for (QAction *menu : bar.actions()) {
+        for (QAction *action : menu->menu()->actions()) {
+            if (action->text().contains(words))
+                return action;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -66,60 +72,74 @@ private Q_SLOTS:
 
     void init()
     {
-        builtInLibrary();
+        // The shared library back to the built-in set, and everything that depends on it rebuilt.
+        library()->loadFromPropertyListDictionary(QStringLiteral("()"));
+        library()->setBuiltInTags();
+        library()->validateTagListChange();
         TWResetBeepCount();
     }
 
-    void builtInLibraryIsListed()
+    void titlesAreShownAsTheyAre_data()
     {
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        const QStringList single{"Generic Tag  <>", "Line Break  <br>", "Image  <img =...>"};
-        const QStringList paired{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>", "Italic  <i>",
-                                 "Link  <a href=..."};
-        QCOMPARE(titles(delegate->insertSingleTagMenu()), single);
-        QCOMPARE(titles(delegate->insertDoubleTagMenu()), paired);
-        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        QCOMPARE(palette->singleTitles(), single);
-        QCOMPARE(palette->pairedTitles(), paired);
-        QCOMPARE(palette->findChild<QComboBox *>(QStringLiteral("insertSingleTagMenu"))->itemText(0),
-                 QStringLiteral("Single Tags"));
-        QCOMPARE(palette->findChild<QComboBox *>(QStringLiteral("insertDoubleTagMenu"))->itemText(0),
-                 QStringLiteral("Paired Tags"));
+        QTest::addColumn<QString>("title");
+        QTest::newRow("entity") << QStringLiteral("Space  &nbsp;");
+        QTest::newRow("two ampersands") << QStringLiteral("Fish && Chips");
+        QTest::newRow("ampersand at the end") << QStringLiteral("Rock &");
+    }
+
+    void titlesAreShownAsTheyAre()
+    {
+        QFETCH(QString, title);
+        library()->tagAtIndex(3)->setTitle(title);
+        library()->validateTagListChange();
+        // A menu shows "&&" as "&" and takes a lone "&" for the mark of an accelerator key.
+        QAction *item = TWAppDelegate::sharedAppDelegate()->insertDoubleTagMenu()->actions().at(2);
+        QCOMPARE(item->iconText(), title);
+        QCOMPARE(QKeySequence::mnemonic(item->text()), QKeySequence());
+        QCOMPARE(TWInsertTagPaletteController::sharedInsertTagPalette()->pairedTitles().at(2), title);
     }
 
     void listingRules()
     {
+        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
+        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
+        const QStringList single{"Generic Tag  <>", "Line Break  <br>", "Image  <img =...>"};
+        QStringList paired{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>", "Italic  <i>", "Link  <a href=..."};
+        QCOMPARE(titles(delegate->insertSingleTagMenu()), single);
+        QCOMPARE(palette->singleTitles(), single);
+        QCOMPARE(titles(delegate->insertDoubleTagMenu()), paired);
+        QCOMPARE(palette->pairedTitles(), paired);
+
         library()->tagAtIndex(3)->setShortcutKey(QStringLiteral("b"));
         library()->tagAtIndex(4)->setTitle(library()->tagAtIndex(3)->title()); // italic titled like bold
         library()->tagAtIndex(7)->setIncludeInMenu(false);                       // the link
-        const int odd = library()->addNewTag();
-        library()->tagAtIndex(odd)->setType(7);
-        const int headerTwin = library()->addNewTag();
-        library()->tagAtIndex(headerTwin)->setTitle(QStringLiteral("Paired Tags"));
+        library()->tagAtIndex(library()->addNewTag())->setType(7);
+        library()->tagAtIndex(library()->addNewTag())->setTitle(QStringLiteral("Paired Tags"));
         library()->validateTagListChange();
         // One beep for the odd record in each of the two places that list it.
         QCOMPARE(TWBeepCount(), 2);
-
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        QCOMPARE(titles(delegate->insertDoubleTagMenu()),
-                 (QStringList{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>", "Paired Tags"}));
-        QCOMPARE(delegate->insertDoubleTagMenu()->actions().at(2)->shortcut(),
-                 QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_B));
-        QCOMPARE(delegate->insertDoubleTagMenu()->actions().at(0)->shortcut(), QKeySequence());
+        paired = QStringList{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>"};
         // The palette's header counts as a title taken.
-        QCOMPARE(TWInsertTagPaletteController::sharedInsertTagPalette()->pairedTitles(),
-                 (QStringList{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>"}));
+        QCOMPARE(palette->pairedTitles(), paired);
+        QCOMPARE(titles(delegate->insertDoubleTagMenu()), paired + QStringList{"Paired Tags"});
+        QCOMPARE(delegate->insertDoubleTagMenu()->actions().at(2)->shortcut(), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_B));
+        QCOMPARE(delegate->insertDoubleTagMenu()->actions().at(0)->shortcut(), QKeySequence());
     }
 
-    void menusInsertIntoTheDocumentBeingEdited()
+    void menusAndPaletteInsertIntoTheDocumentBeingEdited()
     {
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        // No document window on screen: a beep and nothing else.
+        QMenu *paired = TWAppDelegate::sharedAppDelegate()->insertDoubleTagMenu();
+        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
+        auto *pairedPopUp = palette->findChild<QComboBox *>(QStringLiteral("insertDoubleTagMenu"));
+        // No document window on screen: a beep and nothing else; the pop-up returns to its header.
         window->hide();
         TWTemplateWindowController::sharedTemplateController()->hide();
-        delegate->insertDoubleTagMenu()->actions().at(2)->trigger();
-        QCOMPARE(TWBeepCount(), 1);
+        paired->actions().at(2)->trigger();
+        pairedPopUp->setCurrentIndex(3);
+        palette->selectInsertDoubleTag(3);
+        QCOMPARE(TWBeepCount(), 2);
+        QCOMPARE(pairedPopUp->currentIndex(), 0);
 
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
@@ -127,100 +147,51 @@ private Q_SLOTS:
         QTRY_COMPARE(QApplication::activeWindow(), window);
         window->textView()->setString(QStringLiteral("make this bold"));
         window->textView()->setSelectedRange({10, 4});
-        delegate->insertDoubleTagMenu()->actions().at(2)->trigger();
+        paired->actions().at(2)->trigger();
         QCOMPARE(window->textView()->string(), QStringLiteral("make this <b>bold</b>"));
-        delegate->insertSingleTagMenu()->actions().at(1)->trigger();
+        TWAppDelegate::sharedAppDelegate()->insertSingleTagMenu()->actions().at(1)->trigger();
         QCOMPARE(window->textView()->string(), QStringLiteral("make this <b>bold</b><br>"));
+        palette->selectInsertDoubleTag(0); // the header
+        pairedPopUp->setCurrentIndex(4);
+        palette->selectInsertDoubleTag(4);
+        QCOMPARE(window->textView()->string(), QStringLiteral("make this <b>bold</b><br><i></i>"));
+        QCOMPARE(pairedPopUp->currentIndex(), 0);
 
         // Records reordered after the menus were built: an item still inserts its own record.
         library()->moveRowsOfArray({3}, 8);
-        delegate->insertDoubleTagMenu()->actions().at(2)->trigger();
+        paired->actions().at(2)->trigger();
         QVERIFY(window->textView()->string().endsWith(QLatin1String("<b></b>")));
-        QCOMPARE(TWBeepCount(), 1);
-    }
-
-    void paletteInsertsAndReturnsToItsHeader()
-    {
-        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        auto *paired = palette->findChild<QComboBox *>(QStringLiteral("insertDoubleTagMenu"));
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window));
-        QApplication::setActiveWindow(window);
-        QTRY_COMPARE(QApplication::activeWindow(), window);
-        palette->setShowWindow(true);
-        window->textView()->setString(QStringLiteral("say it"));
-        window->textView()->setSelectedRange({4, 2});
-
-        palette->selectInsertDoubleTag(0);
-        QCOMPARE(window->textView()->string(), QStringLiteral("say it"));
-        paired->setCurrentIndex(4);
-        palette->selectInsertDoubleTag(4);
-        QCOMPARE(window->textView()->string(), QStringLiteral("say <i>it</i>"));
-        QCOMPARE(paired->currentIndex(), 0);
-        QCOMPARE(TWBeepCount(), 0);
-
-        window->hide();
-        TWTemplateWindowController::sharedTemplateController()->hide();
-        paired->setCurrentIndex(3);
-        palette->selectInsertDoubleTag(3);
-        QCOMPARE(TWBeepCount(), 1);
-        QCOMPARE(paired->currentIndex(), 0);
+        QCOMPARE(TWBeepCount(), 2);
     }
 
     void paletteTitleAndVisibility()
     {
         TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        const auto menuTitle = [] {
-            QAction *item = nullptr;
-            QMenuBar bar;
-            TWAppDelegate::sharedAppDelegate()->populateMenuBar(&bar);
-            for (QAction *menu : bar.actions()) {
-                for (QAction *action : menu->menu()->actions()) {
-                    if (action->text().contains(QLatin1String("Insert Tag Palette")))
-                        item = action;
-                }
-            }
-            return item ? item->text() : QString();
-        };
         palette->setShowWindow(true);
-        QCOMPARE(menuTitle(), QStringLiteral("Hide Insert Tag Palette"));
+        QCOMPARE(command(QStringLiteral("Insert Tag Palette"))->text(), QStringLiteral("Hide Insert Tag Palette"));
         palette->close();
-        QCOMPARE(menuTitle(), QStringLiteral("Show Insert Tag Palette"));
+        QCOMPARE(command(QStringLiteral("Insert Tag Palette"))->text(), QStringLiteral("Show Insert Tag Palette"));
         palette->saveWindowProperties();
         QCOMPARE(TWUserDefaults::standardUserDefaults()
                      ->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::insertTagPalette))
                      ->value(QLatin1String(TWStateEntry::showWindow))
                      .toString(),
                  QStringLiteral("NO"));
-        palette->setShowWindow(true);
-        QVERIFY(palette->isVisible());
     }
 
     void tagColoringToggleTwiceComesBack()
     {
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        TWEditorTextView *html = TWEditWindowController::sharedEditWindowController()->textView();
         TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
-        const bool before = TWPreferences::sharedPref()->tagColoring();
-        QAction *toggle = nullptr;
-        QMenuBar bar;
-        delegate->populateMenuBar(&bar);
-        for (QAction *menu : bar.actions())
-            for (QAction *action : menu->menu()->actions())
-                if (action->text() == QLatin1String("Tag &Coloring"))
-                    toggle = action;
+        QAction *toggle = command(QStringLiteral("Tag &Coloring"));
         QVERIFY(toggle);
-        toggle->trigger();
-        QCOMPARE(TWPreferences::sharedPref()->tagColoring(), !before);
-        QCOMPARE(toggle->isChecked(), !before);
-        QCOMPARE(html->tagColoring(), !before);
-        QCOMPARE(templateWindow->bottomTextView()->tagColoring(), !before);
-        toggle->trigger();
-        QCOMPARE(TWPreferences::sharedPref()->tagColoring(), before);
-        QCOMPARE(toggle->isChecked(), before);
-        QCOMPARE(html->tagColoring(), before);
-        QCOMPARE(templateWindow->topTextView()->tagColoring(), before);
+        for (const bool on : {!TWPreferences::sharedPref()->tagColoring(), TWPreferences::sharedPref()->tagColoring()}) {
+            toggle->trigger();
+            QCOMPARE(TWPreferences::sharedPref()->tagColoring(), on);
+            QCOMPARE(toggle->isChecked(), on);
+            QCOMPARE(TWEditWindowController::sharedEditWindowController()->textView()->tagColoring(), on);
+            QCOMPARE(templateWindow->topTextView()->tagColoring(), on);
+            QCOMPARE(templateWindow->bottomTextView()->tagColoring(), on);
+        }
     }
 
     void shortcutOfAKey_data()
