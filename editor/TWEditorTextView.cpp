@@ -3,6 +3,7 @@
 #include "app/TWAppDelegate.h"
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
+#include "editor/TWDocumentText.h"
 #include "editor/TWEditorTextLayout.h"
 #include "editor/TWTagHighlighter.h"
 #include "editor/TWTagScanner.h"
@@ -189,12 +190,12 @@ TWRange TWEditorTextView::rangeOfPlainText(QStringView text, qsizetype index)
 QString TWEditorTextView::string() const
 {
     // The raw text keeps non-breaking spaces, which the plain-text form would turn into spaces.
-    QString text = document()->toRawText();
-    for (QChar &c : text) {
-        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
-            c = QLatin1Char('\n');
-    }
-    return text;
+    return TWDocumentText::fromDocument(document()->toRawText());
+}
+
+QString TWEditorTextView::selectedString() const
+{
+    return TWDocumentText::fromDocument(textCursor().selectedText());
 }
 
 void TWEditorTextView::insertFromMimeData(const QMimeData *source)
@@ -203,9 +204,15 @@ void TWEditorTextView::insertFromMimeData(const QMimeData *source)
         QPlainTextEdit::insertFromMimeData(source);
         return;
     }
-    QString text = TWTextFile::convertReturnCodeOfTextToLF(source->text());
-    text.replace(QChar::LineSeparator, QLatin1Char('\n')).replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
-    insertText(text);
+    insertText(TWTextFile::convertReturnCodeOfTextToLF(source->text()));
+}
+
+QMimeData *TWEditorTextView::createMimeDataFromSelection() const
+{
+    // Copied and dragged text is the text as written: no-break spaces and separators kept.
+    auto *data = new QMimeData;
+    data->setText(selectedString());
+    return data;
 }
 
 void TWEditorTextView::colorText()
@@ -245,7 +252,7 @@ void TWEditorTextView::textDidChange()
 void TWEditorTextView::setString(const QString &text)
 {
     loadingText = true;
-    setPlainText(text);
+    setPlainText(TWDocumentText::toDocument(text));
     loadingText = false;
 }
 
@@ -268,13 +275,13 @@ void TWEditorTextView::setSelectedRange(TWRange range)
 
 void TWEditorTextView::insertText(const QString &text)
 {
-    textCursor().insertText(text);
+    textCursor().insertText(TWDocumentText::toDocument(text));
     ensureCursorVisible();
 }
 
 void TWEditorTextView::insertTag(const TWHTMLTag &tag)
 {
-    const QString selection = textCursor().selectedText().replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    const QString selection = selectedString();
     // A record of another kind than single or paired has beeped and gives nothing: the
     // selection is left as it is.
     if (const std::optional<QString> text = tag.insertingStringWithSelectedString(selection))
@@ -360,6 +367,12 @@ void TWEditorTextView::keyPressEvent(QKeyEvent *event)
         return;
     }
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isReturn && TWDocumentText::toDocument(event->text()) != event->text()) {
+        // A separator typed (or a stand-in): it goes in as the character it is.
+        insertText(event->text());
+        event->accept();
+        return;
+    }
     if (isReturn && (event->modifiers() & Qt::ShiftModifier)) {
         // Shift+Return would put a line separator into the text, which files cannot hold:
         // it is an ordinary line break here.
@@ -370,6 +383,19 @@ void TWEditorTextView::keyPressEvent(QKeyEvent *event)
     }
     if (isReturn && autoIndentationFlag && !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
         autoIndentAfterReturn();
+}
+
+void TWEditorTextView::inputMethodEvent(QInputMethodEvent *event)
+{
+    const QString commit = TWDocumentText::toDocument(event->commitString());
+    if (commit == event->commitString()) {
+        QPlainTextEdit::inputMethodEvent(event);
+        return;
+    }
+    QInputMethodEvent held(event->preeditString(), event->attributes());
+    held.setCommitString(commit, event->replacementStart(), event->replacementLength());
+    QPlainTextEdit::inputMethodEvent(&held);
+    event->accept();
 }
 
 void TWEditorTextView::autoIndentAfterReturn()
@@ -437,20 +463,21 @@ void TWEditorTextView::placeDropSelection(const QPointF &position, Qt::KeyboardM
 
 void TWEditorTextView::dragEnterEvent(QDragEnterEvent *event)
 {
+    // Every drag starts from idle: a drag that was refused or left without a word (Qt sends
+    // nothing more to a view that refused a drag) must not hold on to the drag state.
+    clearDragState();
     const QStringList files = droppedFiles(event->mimeData());
     if (files.isEmpty()) {
         QPlainTextEdit::dragEnterEvent(event);
         return;
     }
     selectionBeforeDragging = selectedRange();
-    fileDrop = true;
     if (files.size() > 1) {
-        // Several files at once are refused.
-        dropSign = false;
-        keepSelection = false;
+        // Several files at once are refused; nothing more of this drag reaches the view.
         event->ignore();
         return;
     }
+    fileDrop = true;
     dropSign = true;
     placeDropSelection(event->position(), event->modifiers());
     event->setDropAction(Qt::LinkAction);

@@ -64,6 +64,8 @@ public:
 
     // The whole text, every character as typed (line breaks as LF).
     QString string() const;
+    // The selected text, as string() gives text.
+    QString selectedString() const;
     // Replaces the whole text; this is a load, not an edit: no textDidChange, and the undo
     // history starts afresh.
     void setString(const QString &text);
@@ -114,6 +116,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     // Pasted and dropped text comes in with LF line breaks only.
     void insertFromMimeData(const QMimeData *source) override;
+    QMimeData *createMimeDataFromSelection() const override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
 
     // During a file drag, whether the insertion point is drawn to show where the drop goes.
     bool shouldDrawInsertionPoint() const;

@@ -3,10 +3,11 @@
 #include "editor/TWTagScanner.h"
 
 #include <QPlainTextEdit>
-#include <QScrollBar>
+#include <QEvent>
 #include <QHash>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QScopedValueRollback>
 #include <QTimer>
 
 namespace {
@@ -101,11 +102,17 @@ TWTagHighlighter::TWTagHighlighter(QPlainTextEdit *view)
     , view(view)
 {
     connect(view->document(), &QTextDocument::contentsChange, this, &TWTagHighlighter::documentChanged);
-    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, &TWTagHighlighter::paintVisibleLines);
-    connect(view, &QPlainTextEdit::updateRequest, this, [this](const QRect &, int dy) {
-        if (dy != 0)
-            paintVisibleLines();
-    });
+    // A line can only come into view by being painted, whatever brought it there (a scroll, a
+    // larger window, a window shown, a font or wrap change): lines are coloured as the paint
+    // begins, so the first picture of them already shows their colours.
+    view->viewport()->installEventFilter(this);
+}
+
+bool TWTagHighlighter::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Paint && watched == view->viewport())
+        paintVisibleLines();
+    return QObject::eventFilter(watched, event);
 }
 
 int TWTagHighlighter::colorIndex(const QColor &color) const
@@ -399,8 +406,10 @@ void TWTagHighlighter::workInSlices()
 
 void TWTagHighlighter::paintVisibleLines()
 {
-    if (!enabled)
+    // Applying a line's colours asks for a repaint, which must not start this again.
+    if (!enabled || paintingLines)
         return;
+    const QScopedValueRollback guard(paintingLines, true);
     const int last = lastVisiblePosition();
     // Scrolled ahead of the work: work out what leads up to the lines now shown.
     if (active && frontier < last)

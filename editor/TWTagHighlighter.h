@@ -38,6 +38,8 @@ public:
     // Takes all colours off (colouring switched off).
     void clear();
     bool isEnabled() const { return enabled; }
+    // Colours the lines on screen that are worked out and not yet coloured; cheap when none is.
+    void paintVisibleLines();
     // Finishes all pending work now (tests and benchmarks).
     void completeNow();
     bool isComplete() const;
@@ -50,6 +52,9 @@ public:
 
     // Time that one slice of background work may take.
     static constexpr int sliceMilliseconds = 4;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     struct LineResult
@@ -65,7 +70,6 @@ private:
     // Works from the frontier; stops when done, past `until` (a position) and the budget.
     void work(int until, qint64 budgetNanoseconds);
     void workInSlices();
-    void paintVisibleLines();
     void applyRuns(QTextBlock &block, const QList<QTextLayout::FormatRange> &runs);
     int lastVisiblePosition() const;
 
@@ -75,6 +79,7 @@ private:
     bool active = false;
     bool sliceScheduled = false;
     bool applyingFormats = false;
+    bool paintingLines = false;
     // Lines starting before the frontier have their right end state; from the frontier on they
     // need work. Lines starting at or after validEnd have never been worked out since the last
     // reset; lines before editEnd may have been edited.

@@ -47,6 +47,8 @@ QList<QColor> colorsOf(const QList<QTextLayout::FormatRange> &runs, int length)
     return colors;
 }
 
+QString samplePage(int lines);
+
 class Fixture
 {
 public:
@@ -59,6 +61,7 @@ public:
         highlighter->commentColor = [] { return commentColor; };
         highlighter->colorsGeneration = [] { return 1; };
         view.show();
+        exposed = QTest::qWaitForWindowExposed(&view);
     }
 
     // Compares the colours of every line with the whole-text scan; a line on screen must also
@@ -83,8 +86,54 @@ public:
         return {};
     }
 
+    // Brings other lines into view as a user would, without scrolling, and lets the view paint
+    // as the window system would make it; answers what it did.
+    QString changeView(QRandomGenerator &random)
+    {
+        QString what;
+        switch (random.bounded(4)) {
+        case 0:
+            view.resize(200 + int(random.bounded(1000)), 60 + int(random.bounded(900)));
+            what = QStringLiteral("a resize");
+            break;
+        case 1: {
+            // A new text loaded while the window is hidden, coloured in the background.
+            view.hide();
+            view.setPlainText(samplePage(20 + int(random.bounded(200))));
+            highlighter->recolor();
+            highlighter->completeNow();
+            view.show();
+            what = QStringLiteral("a text shown");
+            break;
+        }
+        case 2: {
+            QFont font = view.font();
+            font.setPointSize(4 + int(random.bounded(14)));
+            view.setFont(font);
+            what = QStringLiteral("a font change");
+            break;
+        }
+        default:
+            view.setLineWrapMode(view.lineWrapMode() == QPlainTextEdit::NoWrap ? QPlainTextEdit::WidgetWidth
+                                                                                : QPlainTextEdit::NoWrap);
+            what = QStringLiteral("a wrap change");
+            break;
+        }
+        QCoreApplication::processEvents();
+        view.viewport()->repaint();
+        return what;
+    }
+
+    // Scrolls as a user would: the view paints what comes into view.
+    void scrollTo(int value)
+    {
+        view.verticalScrollBar()->setValue(value);
+        view.viewport()->repaint();
+    }
+
     QPlainTextEdit view;
     TWTagHighlighter *highlighter;
+    bool exposed = false;
 };
 
 QString samplePage(int lines)
@@ -117,6 +166,7 @@ private Q_SLOTS:
     void wholeTextColoursOnFirstPaint()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(400));
         fixture.highlighter->recolorAll();
         fixture.highlighter->recolor();
@@ -132,6 +182,7 @@ private Q_SLOTS:
     void randomEditsKeepTheWholeTextColours()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(300));
         fixture.highlighter->recolorAll();
         fixture.highlighter->completeNow();
@@ -151,7 +202,7 @@ private Q_SLOTS:
             // A third of the edits land near the top while the screen shows the end.
             const bool farAbove = random.bounded(3) == 0;
             if (farAbove)
-                fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum());
+                fixture.scrollTo(fixture.view.verticalScrollBar()->maximum());
             const int position = farAbove ? random.bounded(std::max(1, std::min(size, 200)))
                                           : random.bounded(std::max(1, size));
             cursor.setPosition(std::min(position, size));
@@ -173,8 +224,15 @@ private Q_SLOTS:
             if (mode == 1)
                 continue;
             fixture.highlighter->completeNow();
-            const QString problem = fixture.mismatch();
+            QString problem = fixture.mismatch();
             QVERIFY2(problem.isEmpty(), qPrintable(QStringLiteral("after edit %1: %2").arg(step).arg(problem)));
+            // Lines that come into view without a scroll show their colours too.
+            if (random.bounded(6) == 0) {
+                const QString change = fixture.changeView(random);
+                problem = fixture.mismatch();
+                QVERIFY2(problem.isEmpty(),
+                         qPrintable(QStringLiteral("after edit %1 and %2: %3").arg(step).arg(change, problem)));
+            }
         }
         fixture.highlighter->recolor();
         fixture.highlighter->completeNow();
@@ -184,10 +242,11 @@ private Q_SLOTS:
     void openingACommentAtTheTopRecoloursWhatFollows()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(2000));
         fixture.highlighter->recolorAll();
         fixture.highlighter->completeNow();
-        fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 2);
+        fixture.scrollTo(fixture.view.verticalScrollBar()->maximum() / 2);
         QTextCursor cursor(fixture.view.document());
         cursor.insertText(QStringLiteral("<!-- never closed"));
         fixture.highlighter->recolor();
@@ -206,6 +265,7 @@ private Q_SLOTS:
     void typingBeforeTheFirstColouringIsDoneKeepsTheWork()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(10));
         fixture.highlighter->recolorAll();
         fixture.highlighter->completeNow();
@@ -213,13 +273,13 @@ private Q_SLOTS:
         fixture.view.setPlainText(samplePage(20000));
         fixture.highlighter->recolor();
         // Scrolling to the middle works out everything above it.
-        fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 2);
+        fixture.scrollTo(fixture.view.verticalScrollBar()->maximum() / 2);
         const int workedOut = fixture.highlighter->workedOut();
         QVERIFY(workedOut > fixture.view.document()->characterCount() / 3);
         QVERIFY(!fixture.highlighter->isComplete());
         // A key typed near the top does not send the work back there: the lines after the
         // typed one end as they did.
-        fixture.view.verticalScrollBar()->setValue(0);
+        fixture.scrollTo(0);
         QTextCursor cursor(fixture.view.document()->findBlockByNumber(5));
         cursor.insertText(QStringLiteral("x"));
         fixture.highlighter->recolor();
@@ -232,19 +292,21 @@ private Q_SLOTS:
     void backgroundWorkFinishesBySlices()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(20000));
         fixture.highlighter->recolorAll();
         fixture.highlighter->recolor();
         QVERIFY(!fixture.highlighter->isComplete());
         QTRY_VERIFY_WITH_TIMEOUT(fixture.highlighter->isComplete(), 30000);
         // Scrolling to any place shows it right.
-        fixture.view.verticalScrollBar()->setValue(fixture.view.verticalScrollBar()->maximum() / 3);
+        fixture.scrollTo(fixture.view.verticalScrollBar()->maximum() / 3);
         QCOMPARE(fixture.mismatch(), QString());
     }
 
     void lessThanEverywhere()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         QString text;
         for (int line = 0; line < 200; ++line)
             text += QString(200, QLatin1Char('<')) + QLatin1Char('\n');
@@ -259,6 +321,7 @@ private Q_SLOTS:
     void clearTakesAllColoursOff()
     {
         Fixture fixture;
+        QVERIFY(fixture.exposed);
         fixture.view.setPlainText(samplePage(50));
         fixture.highlighter->recolorAll();
         fixture.highlighter->completeNow();
