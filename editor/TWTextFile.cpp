@@ -1,10 +1,12 @@
 #include "editor/TWTextFile.h"
 
+#include "editor/TWJapaneseCodes.h"
+#include "editor/TWTextEncoder.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStringDecoder>
-#include <QStringEncoder>
 
 namespace {
 
@@ -14,46 +16,12 @@ constexpr char16_t carriageReturn = u'\r';
 // The character sets, by code; the names are those the converters know them by.
 constexpr const char *encodingNames[] = {"Shift_JIS", "EUC-JP", "ISO-2022-JP", "UTF-8"};
 
-// ISO-2022-JP must end in ASCII: a file (or a piece followed by a replacement "?") that
-// stops in kanji mode would be read wrongly. The converter does not switch back by itself.
-constexpr char escape = '\x1b';
-constexpr char backToASCII[] = "\x1b(B";
-constexpr char backToRoman[] = "\x1b(J";
-
-void endInASCII(QByteArray &bytes, const char *name)
+QByteArray readAll(const QString &path)
 {
-    if (qstrcmp(name, encodingNames[TWTextEncoding::iso2022JP]) != 0)
-        return;
-    const qsizetype lastEscape = bytes.lastIndexOf(escape);
-    if (lastEscape < 0)
-        return;
-    const QByteArrayView mode = QByteArrayView(bytes).sliced(lastEscape, qMin<qsizetype>(3, bytes.size() - lastEscape));
-    if (mode != QByteArrayView(backToASCII) && mode != QByteArrayView(backToRoman))
-        bytes.append(backToASCII);
-}
-
-// Encodes a text that holds characters the encoding cannot represent: the text is halved
-// until each failing piece is one character, which is replaced. Pieces that encode cleanly
-// are taken whole, so the cost grows with the number of such characters, not the text size.
-void encodeReplacingUnmappable(QStringView text, const char *name, QByteArray &out)
-{
-    QStringEncoder encoder(name, QStringConverter::Flag::Stateless);
-    QByteArray bytes = encoder.encode(text);
-    if (!encoder.hasError()) {
-        endInASCII(bytes, name);
-        out.append(bytes);
-        return;
-    }
-    const bool surrogatePair = text.size() == 2 && text.at(0).isHighSurrogate() && text.at(1).isLowSurrogate();
-    if (text.size() <= 1 || surrogatePair) {
-        out.append(TWTextFile::replacementCharacter);
-        return;
-    }
-    qsizetype half = text.size() / 2;
-    if (text.at(half).isLowSurrogate() && text.at(half - 1).isHighSurrogate())
-        ++half;
-    encodeReplacingUnmappable(text.first(half), name, out);
-    encodeReplacingUnmappable(text.sliced(half), name, out);
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
 }
 
 } // namespace
@@ -109,22 +77,39 @@ std::optional<QString> TWTextFile::decode(const QByteArray &bytes, int textEncod
     QString text = decoder.decode(bytes);
     if (decoder.hasError())
         return std::nullopt;
+    if (TWJapaneseCodes::isJapanese(textEncoding))
+        TWJapaneseCodes::useJISForms(text);
     return text;
 }
 
-QByteArray TWTextFile::encode(const QString &text, int textEncoding)
+// Runs of text go through the converter; a character whose code is chosen (one with several
+// codes, or one only the decoder knows) is written as its chosen code between them.
+QByteArray TWTextFile::encode(const QString &text, int textEncoding, const QString &replacedFile)
 {
-    const char *name = encodingName(textEncoding);
-    QStringEncoder encoder(name, QStringConverter::Flag::Stateless);
-    QByteArray bytes = encoder.encode(text);
-    if (!encoder.hasError()) {
-        endInASCII(bytes, name);
-        return bytes;
+    TWTextEncoder encoder(encodingName(textEncoding));
+    const TWJapaneseCodes *codes = TWJapaneseCodes::forEncoding(textEncoding);
+    if (!codes || !codes->needsChoices(text)) {
+        encoder.appendText(text);
+        return encoder.finish();
     }
-    QByteArray replaced;
-    replaced.reserve(bytes.size());
-    encodeReplacingUnmappable(text, name, replaced);
-    return replaced;
+    const QString converterText = codes->inConverterForms(text);
+    TWJapaneseCodes::Chooser chooser(*codes, [&replacedFile] { return readAll(replacedFile); });
+    qsizetype runStart = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        if (!codes->mayChooseCodeOf(text.at(at)))
+            continue;
+        const bool pair = at + 1 < text.size() && text.at(at).isHighSurrogate() && text.at(at + 1).isLowSurrogate();
+        const char32_t character = pair ? QChar::surrogateToUcs4(text.at(at), text.at(at + 1)) : text.at(at).unicode();
+        const QByteArray code = chooser.codeFor(character);
+        if (code.isEmpty())
+            continue;
+        encoder.appendText(QStringView(converterText).sliced(runStart, at - runStart));
+        encoder.appendCode(code);
+        at += pair ? 1 : 0;
+        runStart = at + 1;
+    }
+    encoder.appendText(QStringView(converterText).sliced(runStart));
+    return encoder.finish();
 }
 
 std::optional<QString> TWTextFile::load(const QString &path, int textEncoding)
@@ -143,8 +128,7 @@ std::optional<QString> TWTextFile::load(const QString &path, int textEncoding)
 
 bool TWTextFile::save(const QString &text, const QString &path, int textEncoding, int returnCode)
 {
-    const QByteArray bytes = encode(convertReturnCodeOfText(text, returnCode),
-                                    textEncoding);
+    const QByteArray bytes = encode(convertReturnCodeOfText(text, returnCode), textEncoding, path);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;

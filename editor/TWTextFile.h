@@ -38,16 +38,21 @@ public:
     static const char *encodingName(int textEncoding);
 
     // Strict decoding with exactly one encoding: nothing when a byte sequence is invalid.
-    // A byte-order mark is kept as the character U+FEFF, so that it is written back.
+    // A byte-order mark is kept as the character U+FEFF, so that it is written back. The
+    // Japanese encodings give the JIS form of the variant pairs (U+301C WAVE DASH, not U+FF5E).
     static std::optional<QString> decode(const QByteArray &bytes, int textEncoding);
-    // Lossy encoding: a character the encoding cannot represent becomes replacementCharacter.
-    static QByteArray encode(const QString &text, int textEncoding);
+    // Lossy encoding: only a character the encoding lacks becomes replacementCharacter; both
+    // forms of a variant pair get its JIS code. Where a character has several codes, the one
+    // the file at replacedFile used for it is written (see TWJapaneseCodes::Chooser).
+    static QByteArray encode(const QString &text, int textEncoding, const QString &replacedFile = QString());
     static constexpr char replacementCharacter = '?';
 
     // Reads a whole file and decodes it; the text comes back with LF line ends. Nothing when
     // the file cannot be read or its bytes are not valid in the encoding.
     static std::optional<QString> load(const QString &path, int textEncoding);
     // Converts the line ends, encodes and writes the file atomically: the old file stays
-    // untouched unless the new one was written completely. Answers false when nothing was written.
+    // untouched unless the new one was written completely, and its codes are reused where a
+    // character has several, so an unchanged text saves back byte for byte. Answers false when
+    // nothing was written.
     static bool save(const QString &text, const QString &path, int textEncoding, int returnCode);
 };
