@@ -10,6 +10,8 @@ constexpr char baseLineFormat[] = "<base href=\"%1\">\r";
 constexpr char styleSheetLineFormat[] = "<link rel=stylesheet href=\"%1\" type=\"text/css\">\r";
 constexpr char fileURLPrefix[] = "file://localhost";
 constexpr char localHost[] = "localhost";
+// A byte-order mark outweighs any character set the page declares, in every browser.
+constexpr char utf8ByteOrderMark[] = "\xEF\xBB\xBF";
 } // namespace
 
 QString TWPageComposer::htmlWithLineBreakRule(const QString &html, bool lineBreakValidation)
@@ -92,7 +94,7 @@ QString TWPageComposer::writeReloadingFile(const QString &folder, const QString 
     const QString path = folder + QLatin1Char('/') + QLatin1String(reloadingFileName);
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly)) {
-        file.write(text.toUtf8());
+        file.write(QByteArray(utf8ByteOrderMark) + text.toUtf8());
         file.commit();
     }
     return path;

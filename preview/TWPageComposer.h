@@ -31,8 +31,9 @@ QUrl fileURL(const QString &path);
 // when the file lies below it, else the bare file name.
 QString relativePathToBaseURL(const std::optional<QUrl> &baseURL, const QString &path);
 
-// Writes the temporary page file (UTF-8, atomically) into the folder, creating the folder when
-// nothing exists at its path; answers the file's path, whether or not the write succeeded.
+// Writes the temporary page file (UTF-8 with a byte-order mark, so that browsers read it as
+// UTF-8 whatever character set the template declares; atomically) into the folder, creating the
+// folder when nothing exists at its path; answers the file's path, whether or not it was written.
 QString writeReloadingFile(const QString &folder, const QString &text);
 
 } // namespace TWPageComposer

@@ -21,6 +21,10 @@ void TWRenderControl::renderIfAutorender()
 
 void TWRenderControl::fireRenderTimer()
 {
+    // Dropped like a direct request while launching: the launch renders once, at its end, and
+    // a timer started by the texts being restored would render a second time after it.
+    if (isLaunching && isLaunching())
+        return;
     const int milliseconds = int(std::lround(std::max(0.0, suspensionSeconds) * 1000.0));
     QTimer::singleShot(milliseconds, this, &TWRenderControl::renderTimerFired);
     ++timerCountValue;

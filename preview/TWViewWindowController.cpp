@@ -15,6 +15,7 @@
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWExternalBrowser.h"
+#include "preview/TWLoadErrorText.h"
 #include "preview/TWPageComposer.h"
 #include "preview/TWRenderControl.h"
 #include "preview/TWUserStyleSheet.h"
@@ -44,6 +45,8 @@ namespace {
 TWViewWindowController *sharedInstance = nullptr;
 
 constexpr char noTitleFormat[] = "(%1)";
+// The page's own title: "" when it has none (whitespace alone is none).
+constexpr char titleScript[] = "document.title";
 constexpr QPoint defaultPosition(800, 40);
 // A page handed over directly travels as a percent-encoded address, which the engine takes only
 // up to 2 MB and decodes slowly well before that; larger pages are written into the document.
@@ -190,12 +193,13 @@ void TWViewWindowController::renderNow()
     render(TWPageComposer::combinedPage(templateWindow->topTemplateText(),
                                         TWEditWindowController::sharedEditWindowController()->getText(),
                                         templateWindow->bottomTemplateText(), lineBreakValidationFlag));
-    if (!isVisible())
+    if (!TWWindowOrder::isWindowVisible(this))
         showWindow();
 }
 
 void TWViewWindowController::render(const QString &page)
 {
+    loadRequested();
     const QUrl base = baseURLValue.value_or(QUrl());
     if (fitsDirectly(page)) {
         pendingPage.clear();
@@ -265,9 +269,19 @@ QString TWViewWindowController::generateReloadingFile() const
 void TWViewWindowController::clearCache()
 {
     const QString path = generateReloadingFile();
+    loadRequested();
     webViewValue->page()->profile()->clearHttpCache();
     pendingPage.clear();
     webViewValue->page()->load(QUrl::fromLocalFile(path));
+}
+
+void TWViewWindowController::loadRequested()
+{
+    // The style sheet as saved at this moment reaches every load.
+    installUserStyleSheet();
+    loading = true;
+    progressIndicator->show();
+    Q_EMIT pageRequested();
 }
 
 void TWViewWindowController::viewOnApp(const QString &application)
@@ -308,22 +322,25 @@ void TWViewWindowController::setApplyCSS(bool flag)
 
 void TWViewWindowController::installUserStyleSheet()
 {
+    // Read anew each time, so that a saved change shows at the next load; a file that cannot
+    // be read leaves the page without it.
+    const QString path = TWCSSWindowController::sharedCSSController()->cssFilename();
+    std::optional<QString> css;
+    if (applyCSSFlag && !path.isEmpty())
+        css = TWTextFile::load(path, TWPreferences::sharedPref()->textEncoding());
+    if (css == installedStyleSheet)
+        return;
+    installedStyleSheet = css;
     QWebEngineScriptCollection &scripts = webViewValue->page()->scripts();
     for (const QWebEngineScript &script : scripts.find(QLatin1String(TWUserStyleSheet::scriptName)))
         scripts.remove(script);
-    const QString path = TWCSSWindowController::sharedCSSController()->cssFilename();
-    if (!applyCSSFlag || path.isEmpty())
-        return;
-    // The style sheet as saved, read when it is applied; a file that cannot be read leaves
-    // the page without it.
-    const std::optional<QString> css = TWTextFile::load(path, TWPreferences::sharedPref()->textEncoding());
     if (!css)
         return;
     QWebEngineScript script;
     script.setName(QLatin1String(TWUserStyleSheet::scriptName));
     script.setInjectionPoint(QWebEngineScript::DocumentCreation);
     script.setWorldId(QWebEngineScript::MainWorld);
-    script.setRunsOnSubFrames(false);
+    script.setRunsOnSubFrames(true);
     script.setSourceCode(TWUserStyleSheet::injectionSource(*css));
     scripts.insert(script);
 }
@@ -435,10 +452,8 @@ void TWViewWindowController::loadingChanged(const QWebEngineLoadingInfo &info)
     case QWebEngineLoadingInfo::LoadSucceededStatus:
         break;
     case QWebEngineLoadingInfo::LoadStoppedStatus:
-        receivedError(info.errorString().isEmpty() ? tr("Loading was stopped.") : info.errorString());
-        return;
     case QWebEngineLoadingInfo::LoadFailedStatus:
-        receivedError(info.errorString());
+        receivedError(TWLoadErrorText::description(info.errorDomain(), info.errorCode(), info.errorString()));
         return;
     }
     if (pendingPage.isEmpty()) {
@@ -474,17 +489,24 @@ void TWViewWindowController::loadComplete()
             QStringLiteral("window.scrollTo(%1, %2);").arg(scrollPosition->x()).arg(scrollPosition->y()));
         scrollPosition.reset();
     }
-    didReceiveTitle(webViewValue->page()->title());
+    didReceiveTitle();
     Q_EMIT loadEnded(true);
 }
 
-void TWViewWindowController::didReceiveTitle(const QString &title)
+void TWViewWindowController::didReceiveTitle()
 {
-    // Without a <title> the engine offers the page's address instead, which is no title.
-    const QUrl url = webViewValue->page()->url();
-    const bool isAddress = title == url.toString() || title == url.toDisplayString()
-        || title.startsWith(QLatin1String("data:")) || title == QLatin1String("about:blank");
-    if (title.isEmpty() || isAddress)
+    // Without a title the engine offers the page's address instead; the document itself says
+    // whether it has one.
+    webViewValue->page()->runJavaScript(QLatin1String(titleScript), QWebEngineScript::ApplicationWorld,
+                                        [this](const QVariant &title) {
+                                            if (title.typeId() == QMetaType::QString)
+                                                showTitle(title.toString());
+                                        });
+}
+
+void TWViewWindowController::showTitle(const QString &title)
+{
+    if (title.isEmpty())
         setWindowTitle(QString::fromLatin1(noTitleFormat).arg(TWLocalizedString(TWTextKey::noTitle)));
     else
         setWindowTitle(title);
@@ -517,6 +539,9 @@ void TWViewWindowController::clearWithProject()
 
 void TWViewWindowController::showWindow()
 {
+    // A minimised viewer comes back too.
+    if (isMinimized())
+        setWindowState(windowState() & ~Qt::WindowMinimized);
     TWWindowOrder::showWindow(this);
 }
 

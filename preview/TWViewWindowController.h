@@ -78,20 +78,25 @@ public:
 
     QWebEngineView *webView() const { return webViewValue; }
     QString statusText() const;
+    // From the moment a page is requested until the engine has finished loading.
     bool isLoading() const { return loading; }
 
 Q_SIGNALS:
-    // A load ended, well or with an error shown in the status text.
+    // A page was handed to the engine: a render, or a reload from the temporary page file.
+    void pageRequested();
+    // The engine has finished loading, well or with an error shown in the status text.
     void loadEnded(bool succeeded);
 
 private:
     TWViewWindowController();
     void awakeFromNib();
+    void loadRequested();
     void loadStarted();
     void loadingChanged(const QWebEngineLoadingInfo &info);
     void receivedError(const QString &description);
     void loadComplete();
-    void didReceiveTitle(const QString &title);
+    void didReceiveTitle();
+    void showTitle(const QString &title);
     void installUserStyleSheet();
 
     Ui::TWViewWindow *ui;
@@ -103,6 +108,8 @@ private:
     std::optional<QPointF> scrollPosition;
     std::optional<QUrl> baseURLValue;
     bool applyCSSFlag = false;
+    // The style sheet text the pages get; none when it is not applied or cannot be read.
+    std::optional<QString> installedStyleSheet;
     bool lineBreakValidationFlag = false;
     // A page too large to hand over directly, written into the document once it exists.
     QString pendingPage;
