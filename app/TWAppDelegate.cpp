@@ -3,6 +3,7 @@
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
 #include "app/TWLineNumberDialog.h"
+#include "app/TWRecoveryCopy.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWCSSWindowController.h"
 #include "documents/TWTemplateWindowController.h"
@@ -17,6 +18,7 @@
 #include "preview/TWViewWindowController.h"
 #include "platform/TWBeep.h"
 #include "platform/TWLocalization.h"
+#include "platform/TWMessageBar.h"
 #include "platform/TWTextKeys.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
@@ -31,6 +33,7 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 
+#include <cstdio>
 #include <functional>
 
 namespace {
@@ -259,6 +262,9 @@ void TWAppDelegate::applicationWillFinishLaunching()
     TWCSSWindowController::sharedCSSController();
     TWPreview::shared();
     TWEditWindowController::sharedEditWindowController();
+    // A run that did not end cleanly left its texts: they are newer than the store's. Files
+    // handed over at launch still open after them.
+    recoveredTexts = TWRecoveryCopy::shared()->restore();
 }
 
 bool TWAppDelegate::applicationOpenFile(const QString &path)
@@ -276,6 +282,30 @@ void TWAppDelegate::applicationDidFinishLaunching()
         viewer->setupAtAppLaunch();
     TWEditWindowController::sharedEditWindowController()->loadTextAtAppLaunch();
     launching = false;
+    showStartNotices();
+    TWRecoveryCopy::shared()->start();
+}
+
+void TWAppDelegate::showStartNotices()
+{
+    QStringList notices;
+    const TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+    if (!store->setAsideFileName().isEmpty())
+        notices << tr("Your settings file could not be read. It was kept as %1, and Tagwright started with its defaults.")
+                       .arg(store->setAsideFileName());
+    if (!store->restoredFileName().isEmpty())
+        notices << tr("When Tagwright last quit, your settings and texts could not be saved in %1. They were kept "
+                      "in %2 and are back now.")
+                       .arg(store->fileName(), store->restoredFileName());
+    const TWHTMLTagLibrary *library = TWHTMLTagLibrary::sharedTagLibrary();
+    if (!library->setAsideFileName().isEmpty())
+        notices << tr("Your tag library could not be read (%1). It was kept in %2; the standard library is used "
+                      "meanwhile.")
+                       .arg(library->setAsideReason(), library->setAsideFileName());
+    if (recoveredTexts)
+        notices << tr("Tagwright did not quit properly last time. The texts you were working on have been recovered.");
+    if (!notices.isEmpty())
+        TWEditWindowController::sharedEditWindowController()->messageBar()->showMessage(notices.join(u'\n'));
 }
 
 void TWAppDelegate::applicationWillTerminate()
@@ -289,8 +319,24 @@ void TWAppDelegate::applicationWillTerminate()
     TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
     TWCSSWindowController::sharedCSSController()->saveWindowProperties();
     // The preferences flushed the store already; the window state written since must
-    // reach the disk too.
-    TWUserDefaults::standardUserDefaults()->synchronize();
+    // reach the disk too. A store that cannot be written loses nothing: the state goes to a
+    // file of its own that the next start takes back, and failing that the recovery copy stays.
+    TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+    bool kept = store->synchronize();
+    if (!kept) {
+        const QString copy = store->keepUnsavedState();
+        kept = !copy.isEmpty();
+        if (kept)
+            std::fprintf(stderr, "Tagwright could not save its state in %s; it was kept in %s.\n",
+                         qPrintable(store->fileName()), qPrintable(copy));
+        else
+            std::fprintf(stderr, "Tagwright could not save its state in %s, nor anywhere else.\n",
+                         qPrintable(store->fileName()));
+    }
+    if (kept)
+        TWRecoveryCopy::shared()->discard();
+    else
+        TWRecoveryCopy::shared()->writeNow();
 }
 
 void TWAppDelegate::saveAppProperties()
@@ -374,7 +420,7 @@ void TWAppDelegate::setUpInsertTagMenu()
     const auto fill = [this](QMenu *menu, const QList<std::shared_ptr<TWHTMLTag>> &tags, bool single) {
         for (int index = 0; index < tags.size(); ++index) {
             const std::shared_ptr<TWHTMLTag> &tag = tags.at(index);
-            QAction *item = menu->addAction(tag->title());
+            QAction *item = menu->addAction(TWTagMenuListing::menuText(tag->title()));
             if (tag->hasShortcutKey()) {
                 item->setShortcut(TWTagMenuListing::shortcut(*tag));
                 item->setShortcutContext(Qt::ApplicationShortcut);

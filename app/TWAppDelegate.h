@@ -95,6 +95,8 @@ private:
     void toggleTagPalette();
     void insertTagFromMenu(const std::shared_ptr<TWHTMLTag> &tag);
     void askForLineNumber();
+    // Tells in the HTML window what happened to the user's data at start, if anything did.
+    void showStartNotices();
 
     QAction *newAction = nullptr;
     QAction *openAction = nullptr;
@@ -126,6 +128,7 @@ private:
     TWLineNumberDialog *lineNumberDialog = nullptr;
 
     QString projectFilenameValue;
+    bool recoveredTexts = false;
     // Set from process start to the end of applicationDidFinishLaunching, never again.
     static inline bool launching = true;
 };

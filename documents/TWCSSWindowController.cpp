@@ -5,8 +5,10 @@
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWOpenFailureMessage.h"
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
+#include "platform/TWMessageBar.h"
 #include "platform/TWPanels.h"
 #include "platform/TWTextKeys.h"
 #include "platform/TWWindowOrder.h"
@@ -96,6 +98,7 @@ void TWCSSWindowController::setDefaultCSSText()
 
 void TWCSSWindowController::clearCSS()
 {
+    ui->messageBar->dismiss();
     loadCSS(QString());
     setCSSFilename(QString());
     if (TWPreview *viewer = TWPreview::shared())
@@ -104,11 +107,15 @@ void TWCSSWindowController::clearCSS()
 
 bool TWCSSWindowController::openCSSFile(const QString &path)
 {
+    ui->messageBar->dismiss();
     bool decoded = false;
     const QString text = cssTextView->loadTextFromFile(path, &decoded);
     // A file that cannot be read changes nothing (see the HTML window).
-    if (!decoded)
+    if (!decoded) {
+        TWOpenFailureMessage::show(ui->messageBar, path, TWPreferences::sharedPref()->textEncoding(),
+                                   [this, path] { openCSSFile(path); });
         return true;
+    }
     setCSSFilename(path);
     loadCSS(text);
     if (TWPreview *viewer = TWPreview::shared())
@@ -126,6 +133,7 @@ void TWCSSWindowController::saveCSS()
 
 void TWCSSWindowController::saveCSSFileAs(const QString &path)
 {
+    ui->messageBar->dismiss();
     cssTextView->saveText(cssTextView->string(), path);
     setCSSFilename(path);
 }
@@ -146,14 +154,22 @@ QString TWCSSWindowController::titleForFilename(const QString &path)
 
 void TWCSSWindowController::setCSSFilename(const QString &path)
 {
+    const bool changed = path != cssFilenameValue;
     cssFilenameValue = path;
     setWindowTitle(titleForFilename(path));
+    if (changed)
+        Q_EMIT cssFilenameChanged();
 }
 
 void TWCSSWindowController::changeFont(const QFont &font)
 {
     cssTextView->setFont(font);
     update();
+}
+
+TWMessageBar *TWCSSWindowController::messageBar() const
+{
+    return ui->messageBar;
 }
 
 void TWCSSWindowController::showWindow()

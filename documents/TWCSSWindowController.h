@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QString>
 
+class TWMessageBar;
 namespace Ui {
 class TWCSSWindow;
 }
@@ -41,7 +42,14 @@ public:
 
     void changeFont(const QFont &font);
     void showWindow();
+    // Why a file did not open.
+    TWMessageBar *messageBar() const;
     void saveWindowProperties() const;
+
+
+Q_SIGNALS:
+    // The document now belongs to another file (or to none).
+    void cssFilenameChanged();
 
 private:
     TWCSSWindowController();

@@ -5,10 +5,12 @@
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "documents/TWTemplateText.h"
+#include "editor/TWOpenFailureMessage.h"
 #include "editor/TWSharedUndoHistory.h"
 #include "editor/TWTemplateTextView.h"
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
+#include "platform/TWMessageBar.h"
 #include "platform/TWPanels.h"
 #include "platform/TWTextKeys.h"
 #include "platform/TWWindowOrder.h"
@@ -175,8 +177,11 @@ QString TWTemplateWindowController::titleForFilename(const QString &path)
 
 void TWTemplateWindowController::setTemplateFilename(const QString &path)
 {
+    const bool changed = path != templateFilenameValue;
     templateFilenameValue = path;
     setWindowTitle(titleForFilename(path));
+    if (changed)
+        Q_EMIT templateFilenameChanged();
 }
 
 void TWTemplateWindowController::setDefaultTemplateText()
@@ -190,6 +195,7 @@ void TWTemplateWindowController::setDefaultTemplateText()
 
 void TWTemplateWindowController::clearTemplate()
 {
+    ui->messageBar->dismiss();
     loadTemplate(QString());
     setTemplateFilename(QString());
     renderIfAutorender();
@@ -197,12 +203,16 @@ void TWTemplateWindowController::clearTemplate()
 
 bool TWTemplateWindowController::openTemplateFile(const QString &path)
 {
+    ui->messageBar->dismiss();
     bool decoded = false;
     const QString text = topTemplateTextView->loadTextFromFile(path, &decoded);
     // As for HTML files: a file that cannot be read changes nothing, so that a later Save
     // cannot overwrite it with the old template.
-    if (!decoded)
+    if (!decoded) {
+        TWOpenFailureMessage::show(ui->messageBar, path, TWPreferences::sharedPref()->textEncoding(),
+                                   [this, path] { openTemplateFile(path); });
         return true;
+    }
     setTemplateFilename(path);
     loadTemplate(text);
     renderIfAutorender();
@@ -219,6 +229,7 @@ void TWTemplateWindowController::saveTemplate()
 
 void TWTemplateWindowController::saveTemplateFileAs(const QString &path)
 {
+    ui->messageBar->dismiss();
     topTemplateTextView->saveText(getCombinedText(), path);
     setTemplateFilename(path);
 }
@@ -250,6 +261,11 @@ void TWTemplateWindowController::changeFont(const QFont &font)
     topTemplateTextView->setFont(font);
     bottomTemplateTextView->setFont(font);
     update();
+}
+
+TWMessageBar *TWTemplateWindowController::messageBar() const
+{
+    return ui->messageBar;
 }
 
 void TWTemplateWindowController::showWindow()

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QString>
 
+class TWMessageBar;
 namespace Ui {
 class TWTemplateWindow;
 }
@@ -59,11 +60,18 @@ public:
 
     void changeFont(const QFont &font);
     void showWindow();
+    // Why a file did not open.
+    TWMessageBar *messageBar() const;
     void saveWindowProperties() const;
 
     // After each change of a half: the copy follows, then the half colours and renders.
     void topTextDidChange();
     void bottomTextDidChange();
+
+
+Q_SIGNALS:
+    // The document now belongs to another file (or to none).
+    void templateFilenameChanged();
 
 private:
     TWTemplateWindowController();

@@ -5,9 +5,11 @@
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWOpenFailureMessage.h"
 #include "platform/TWCompositing.h"
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
+#include "platform/TWMessageBar.h"
 #include "platform/TWPanels.h"
 #include "platform/TWTextKeys.h"
 #include "platform/TWWindowOrder.h"
@@ -58,11 +60,13 @@ TWEditWindowController::~TWEditWindowController()
     delete ui;
 }
 
+TWMessageBar *TWEditWindowController::messageBar() const
+{
+    return ui->messageBar;
+}
+
 void TWEditWindowController::awakeFromNib()
 {
-    QPalette palette = htmlText->palette();
-    palette.setColor(QPalette::Text, Qt::black);
-    htmlText->setPalette(palette);
     // The window itself is not opaque, so that a background colour with an opacity below
     // 100 % lets the desktop show through the text. Where the desktop does not composite
     // windows that would show black instead, so the window stays opaque there.
@@ -98,8 +102,11 @@ QString TWEditWindowController::titleForFilename(const QString &path)
 
 void TWEditWindowController::setHTMLFilename(const QString &path)
 {
+    const bool changed = path != htmlFilenameValue;
     htmlFilenameValue = path;
     setWindowTitle(titleForFilename(path));
+    if (changed)
+        Q_EMIT htmlFilenameChanged();
 }
 
 QString TWEditWindowController::getText() const
@@ -129,6 +136,7 @@ void TWEditWindowController::loadDefaultPage()
 
 void TWEditWindowController::clearHTML()
 {
+    ui->messageBar->dismiss();
     loadHTML(QString());
     setHTMLFilename(QString());
     if (TWPreview *viewer = TWPreview::shared())
@@ -137,12 +145,16 @@ void TWEditWindowController::clearHTML()
 
 bool TWEditWindowController::openHTMLFile(const QString &path)
 {
+    ui->messageBar->dismiss();
     bool decoded = false;
     const QString text = htmlText->loadTextFromFile(path, &decoded);
     // A file that cannot be read or decoded changes nothing: keeping the old file name means
     // that a later Save cannot write the old text over the file that failed to open.
-    if (!decoded)
+    if (!decoded) {
+        TWOpenFailureMessage::show(ui->messageBar, path, TWPreferences::sharedPref()->textEncoding(),
+                                   [this, path] { openHTMLFile(path); });
         return true;
+    }
     setHTMLFilename(path);
     if (TWPreview *viewer = TWPreview::shared())
         viewer->setBaseURL(TWPageComposer::fileURL(path));
@@ -160,6 +172,7 @@ void TWEditWindowController::saveHTML()
 
 void TWEditWindowController::saveHTMLFileAs(const QString &path)
 {
+    ui->messageBar->dismiss();
     htmlText->saveText(getText(), path);
     setHTMLFilename(path);
     if (TWPreview *viewer = TWPreview::shared())

@@ -10,6 +10,7 @@ class TWEditWindow;
 }
 class TWEditorTextView;
 class TWHTMLTag;
+class TWMessageBar;
 
 // The HTML document window: the one HTML document the user is writing, with the name of
 // its file. New and open replace the text without asking; the text survives a restart
@@ -23,6 +24,8 @@ public:
 
     TWEditorTextView *textView() const { return htmlText; }
     TWEditorTextView *activeTextView() const override { return htmlText; }
+    // Messages that must not interrupt the user: why a file did not open, what happened at start.
+    TWMessageBar *messageBar() const;
 
     const QString &htmlFilename() const { return htmlFilenameValue; }
     void setHTMLFilename(const QString &path);
@@ -59,6 +62,11 @@ public:
 
     // The window title for a file name ("" for a document without a file).
     static QString titleForFilename(const QString &path);
+
+
+Q_SIGNALS:
+    // The document now belongs to another file (or to none).
+    void htmlFilenameChanged();
 
 private:
     TWEditWindowController();

@@ -1,11 +1,17 @@
 #include "platform/TWUserDefaults.h"
 
+#include "platform/TWPaths.h"
 #include "platform/TWXMLPropertyList.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaType>
+#include <QSaveFile>
+
+#include <cstdio>
+#include <unistd.h>
 
 namespace {
 
@@ -13,6 +19,10 @@ constexpr char organizationName[] = "Tagwright";
 constexpr char applicationName[] = "Tagwright";
 constexpr char storeExtension[] = "plist";
 constexpr char setAsideSuffixFormat[] = ".unreadable-%1";
+constexpr char setAsideStampFormat[] = "yyyyMMdd-hhmmss";
+// Where the state goes when the store cannot be written, and where a later start looks for it.
+constexpr char unsavedStateName[] = "Unsaved Session.plist";
+constexpr char unsavedStateTemporaryFormat[] = "Tagwright-%1-Unsaved Session.plist";
 
 bool readStore(QIODevice &device, QSettings::SettingsMap &map)
 {
@@ -60,7 +70,7 @@ QString setAsideIfUnreadable(const QString &path)
         return {};
     const QString aside = path
         + QString::fromLatin1(setAsideSuffixFormat)
-              .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss")));
+              .arg(QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat)));
     if (!QFile::rename(path, aside))
         return {};
     qWarning("The preferences file %s could not be read; it was kept as %s and the defaults are used.",
@@ -70,16 +80,91 @@ QString setAsideIfUnreadable(const QString &path)
 
 } // namespace
 
+QString TWUserDefaults::storeFileName()
+{
+    return QSettings(plistFormat(), QSettings::UserScope, QLatin1String(organizationName),
+                     QLatin1String(applicationName))
+        .fileName();
+}
+
 TWUserDefaults::TWUserDefaults()
 {
-    const QSettings::Format format = plistFormat();
-    const QString path = QSettings(format, QSettings::UserScope, QLatin1String(organizationName),
-                                   QLatin1String(applicationName))
-                             .fileName();
-    setAsideFile = setAsideIfUnreadable(path);
-    settings = std::make_unique<QSettings>(format, QSettings::UserScope, QLatin1String(organizationName),
+    open();
+}
+
+void TWUserDefaults::open()
+{
+    settings.reset();
+    restoredFile.clear();
+    setAsideFile = setAsideIfUnreadable(storeFileName());
+    settings = std::make_unique<QSettings>(plistFormat(), QSettings::UserScope, QLatin1String(organizationName),
                                            QLatin1String(applicationName));
     settings->setFallbacksEnabled(false);
+    takeBackUnsavedState();
+}
+
+QStringList TWUserDefaults::unsavedStateFileNames()
+{
+    return {TWApplicationDataFolder() + QLatin1Char('/') + QLatin1String(unsavedStateName),
+            QDir::tempPath() + QLatin1Char('/')
+                + QString::fromLatin1(unsavedStateTemporaryFormat).arg(QString::number(geteuid()))};
+}
+
+QVariantMap TWUserDefaults::dictionaryRepresentation() const
+{
+    QVariantMap entries;
+    for (const QString &key : settings->allKeys())
+        entries.insert(key, settings->value(key));
+    return entries;
+}
+
+QString TWUserDefaults::keepUnsavedState() const
+{
+    const std::optional<QByteArray> document = TWXMLPropertyList::write(dictionaryRepresentation());
+    if (!document)
+        return {};
+    for (const QString &path : unsavedStateFileNames()) {
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QSaveFile file(path);
+        // The texts are the user's own: nobody else reads them, even in the temporary folder.
+        if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+            || file.write(*document) != document->size() || !file.commit())
+            continue;
+        return path;
+    }
+    return {};
+}
+
+void TWUserDefaults::takeBackUnsavedState()
+{
+    for (const QString &path : unsavedStateFileNames()) {
+        QFile file(path);
+        if (!file.exists() || !file.open(QIODevice::ReadOnly))
+            continue;
+        const std::optional<QVariant> root = TWXMLPropertyList::read(file.readAll());
+        file.close();
+        if (!root || root->typeId() != QMetaType::QVariantMap) {
+            // Not ours to read: kept, under a name that is never looked for again.
+            const QString aside = path
+                + QString::fromLatin1(setAsideSuffixFormat)
+                      .arg(QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat)));
+            QFile::rename(path, aside);
+            std::fprintf(stderr, "The unsaved session %s could not be read; it was kept as %s.\n", qPrintable(path),
+                         qPrintable(aside));
+            continue;
+        }
+        // It is the whole state of a later session than the store's.
+        settings->clear();
+        const QVariantMap entries = root->toMap();
+        for (auto it = entries.cbegin(); it != entries.cend(); ++it)
+            settings->setValue(it.key(), it.value());
+        restoredFile = path;
+        // Once the store holds it, the file has done its work; if the store still cannot be
+        // written, the file stays until a quit that can.
+        if (synchronize())
+            QFile::remove(path);
+        return;
+    }
 }
 
 TWUserDefaults *TWUserDefaults::standardUserDefaults()
@@ -92,10 +177,11 @@ TWUserDefaults *TWUserDefaults::standardUserDefaults()
 
 void TWUserDefaults::resetStandardUserDefaults()
 {
-    auto &store = standardStore();
-    if (store)
+    // Read again in place: whoever holds the store keeps a valid one.
+    if (auto &store = standardStore()) {
         store->synchronize();
-    store.reset();
+        store->open();
+    }
 }
 
 QVariant TWUserDefaults::objectForKey(const QString &key) const

@@ -16,9 +16,10 @@ class TWUserDefaults
 public:
     // The store of this process, opened on first use.
     static TWUserDefaults *standardUserDefaults();
-    // Forgets the open store, so that the next standardUserDefaults() reads the file again
-    // (what the next launch of the application would see).
+    // Reads the store's file again, as the next launch of the application would see it.
     static void resetStandardUserDefaults();
+    // Where the store of this user is kept, without opening it.
+    static QString storeFileName();
 
     QVariant objectForKey(const QString &key) const;
     // Typed readers: the value only when it is stored with that type, else nothing.
@@ -31,16 +32,30 @@ public:
     void removeObjectForKey(const QString &key);
     bool hasKey(const QString &key) const;
 
-    // Writes pending changes to disk. Answers false when the file could not be written.
+    // Writes pending changes to disk. Answers false when the file could not be written; the
+    // file then keeps what it held.
     bool synchronize();
+    // Everything the store holds now.
+    QVariantMap dictionaryRepresentation() const;
+    // When the store itself cannot be written: writes everything it holds to a file of its own
+    // (in the data folder, else the temporary folder), which the next opening of the store takes
+    // back. Answers that file's path, or "" when it could not be written anywhere either.
+    QString keepUnsavedState() const;
 
     QString fileName() const;
     // Where an unreadable store file was moved to when the store was opened, or "".
     QString setAsideFileName() const { return setAsideFile; }
+    // The state kept by keepUnsavedState() at the last quit, taken back when the store was
+    // opened: the file it came from, or "".
+    QString restoredFileName() const { return restoredFile; }
 
 private:
     TWUserDefaults();
+    void open();
+    static QStringList unsavedStateFileNames();
+    void takeBackUnsavedState();
 
     std::unique_ptr<QSettings> settings;
     QString setAsideFile;
+    QString restoredFile;
 };

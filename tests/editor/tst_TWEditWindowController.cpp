@@ -6,8 +6,10 @@
 #include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWTextFile.h"
 #include "platform/TWBeep.h"
 #include "platform/TWLocalization.h"
+#include "platform/TWMessageBar.h"
 #include "platform/TWPanels.h"
 #include "platform/TWUserDefaults.h"
 #include "preferences/TWPreferences.h"
@@ -124,21 +126,34 @@ private Q_SLOTS:
         QCOMPARE(TWBeepCount(), 0);
     }
 
-    void unopenableFileChangesNothing_data()
+    void unopenableFileChangesNothingAndSaysWhy_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("undecodable") << QStringLiteral("bad.html") << QByteArray("ok \xff\xfe\x80 not UTF-8");
-        QTest::newRow("missing") << QStringLiteral("missing.html") << QByteArray();
-        QTest::newRow("directory") << QStringLiteral("folder") << QByteArray();
+        QTest::addColumn<int>("preferred");
+        QTest::addColumn<QString>("said");
+        QTest::addColumn<QStringList>("offered");
+        const QByteArray utf8 = QString::fromUtf8("<p>日本語のページ</p>\n").toUtf8();
+        const QByteArray eucJP("<p>\xc6\xfc\xcb\xdc</p>\n");
+        QTest::newRow("UTF-8 read as Shift_JIS")
+            << "utf8.html" << utf8 << 0 << "not Shift_JIS text" << QStringList{"Open as UTF-8"};
+        QTest::newRow("EUC-JP read as UTF-8")
+            << "euc.html" << eucJP << 3 << "not UTF-8 text" << QStringList{"Open as EUC-JP"};
+        QTest::newRow("no text at all") << "bad.html" << QByteArray("ok \xff\xfe\x80\x1b$B\xff") << 3
+                                        << "nor text in any other encoding" << QStringList();
+        QTest::newRow("missing") << "missing.html" << QByteArray() << 3 << "could not be read" << QStringList();
+        QTest::newRow("directory") << "folder" << QByteArray() << 3 << "could not be read" << QStringList();
     }
 
-    void unopenableFileChangesNothing()
+    void unopenableFileChangesNothingAndSaysWhy()
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, bytes);
+        QFETCH(int, preferred);
+        QFETCH(QString, said);
+        QFETCH(QStringList, offered);
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        TWPreferences::sharedPref()->setTextEncoding(3);
+        TWPreferences::sharedPref()->setTextEncoding(preferred);
         const QString path = dir.filePath(name);
         if (!bytes.isEmpty())
             QVERIFY(writeBytes(path, bytes));
@@ -153,6 +168,59 @@ private Q_SLOTS:
         QCOMPARE(window->htmlFilename(), dir.filePath(QStringLiteral("mine.html")));
         if (!bytes.isEmpty())
             QCOMPARE(readBytes(path), bytes);
+        // The message names the file and the encoding, and offers those the file reads in.
+        TWMessageBar *bar = window->messageBar();
+        QVERIFY2(bar->text().contains(name) && bar->text().contains(said), qPrintable(bar->text()));
+        QCOMPARE(bar->actionTitles(), offered);
+        if (offered.isEmpty()) {
+            // It goes at the next new document.
+            window->newDocument();
+            QCOMPARE(bar->text(), QString());
+            return;
+        }
+        // Opening in the offered encoding makes it the preferred one.
+        QVERIFY(bar->trigger(offered.last()));
+        QCOMPARE(window->htmlFilename(), path);
+        QVERIFY(window->getText().contains(QString::fromUtf8("日本")));
+        QCOMPARE(QString::fromLatin1(TWTextFile::encodingName(TWPreferences::sharedPref()->textEncoding())),
+                 offered.last().section(u' ', -1));
+        QCOMPARE(bar->text(), QString());
+    }
+
+    void plainTextShowsThePreferredColour_data()
+    {
+        QTest::addColumn<bool>("coloring");
+        QTest::newRow("tag colouring on") << true;
+        QTest::newRow("tag colouring off") << false;
+    }
+
+    void plainTextShowsThePreferredColour()
+    {
+        // The colour actually drawn, not only the one the view holds.
+        QFETCH(bool, coloring);
+        const QColor green(0, 170, 0);
+        TWPreferences::sharedPref()->setEditorTextColor(green);
+        TWEditWindowController *window = relaunch();
+        window->resize(500, 300);
+        window->loadHTML(QStringLiteral("plain words without tags\n"));
+        window->setTagColoring(coloring);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        window->textView()->setCursorWidth(0); // the caret is no plain text
+        const QImage shot = window->textView()->viewport()->grab().toImage();
+        int greenish = 0;
+        int dark = 0;
+        for (int y = 0; y < shot.height(); ++y) {
+            for (int x = 0; x < shot.width(); ++x) {
+                const QColor pixel = shot.pixelColor(x, y);
+                greenish += pixel.green() > pixel.red() + 60 && pixel.green() > pixel.blue() + 60;
+                dark += pixel.red() < 60 && pixel.green() < 60 && pixel.blue() < 60;
+            }
+        }
+        TWPreferences::sharedPref()->setEditorTextColor(Qt::black);
+        window->hide();
+        QVERIFY2(greenish > 20, qPrintable(QString::number(greenish)));
+        QCOMPARE(dark, 0);
     }
 
     void saveAsUsesPanelAndPreferredForms()
@@ -162,6 +230,11 @@ private Q_SLOTS:
         window->loadHTML(QString::fromUtf8("<p>日本</p>\n"));
         TWPreferences::sharedPref()->setTextEncoding(0);
         TWPreferences::sharedPref()->setReturnCode(2);
+
+        // A cancelled panel changes nothing.
+        TWPanels::setSavePanelHandler([](const QString &, const QStringList &) { return std::optional<QString>(); });
+        window->saveDocument();
+        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
 
         QStringList offered;
         QString proposed = QStringLiteral("<not asked>");
@@ -197,16 +270,6 @@ private Q_SLOTS:
         window->saveDocument();
         QVERIFY(!asked);
         QCOMPARE(readBytes(path), QByteArray("second\r\n"));
-    }
-
-    void cancelledSaveChangesNothing()
-    {
-        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        window->setHTMLFilename(QString());
-        TWPanels::setSavePanelHandler([](const QString &, const QStringList &) { return std::optional<QString>(); });
-        window->saveDocument();
-        QCOMPARE(window->htmlFilename(), QString());
-        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
     }
 
     void unwritableTargetBeepsAndKeepsOldFile()

@@ -1,6 +1,9 @@
-// The user-defaults store: a property-list file that keeps every kind of value across
-// launches, and never overwrites a file it cannot read.
+// The user-defaults store: a property-list file that keeps every kind of value and every
+// text across launches, never overwrites a file it cannot read, and loses nothing when it
+// cannot be written.
 #include "platform/TWUserDefaults.h"
+
+#include "platform/TWPaths.h"
 #include "platform/TWXMLPropertyList.h"
 
 #include <QDir>
@@ -10,18 +13,26 @@
 
 namespace {
 
-void writeFile(const QString &path, const QByteArray &bytes)
+bool writeFile(const QString &path, const QByteArray &bytes)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Every character a text can hold, those XML cannot carry among them.
+QString everyKindOfText()
+{
+    QString text = QString::fromUtf8("<p>日本語</p>\n<b>x</b> & \"y\" \u2028\u2029\u00a0\r");
+    for (char16_t u = 0; u < 0x20; ++u)
+        text += QChar(u);
+    return text + QChar(0xFFFE) + QChar(0xFFFF) + QChar(0xDC00) + QChar(0xD800) + QStringLiteral("<?tw-char 000C?>");
 }
 
 } // namespace
@@ -33,10 +44,17 @@ class tst_TWUserDefaults : public QObject
 private:
     QString storePath;
 
+    // What the next launch of the application reads.
+    static TWUserDefaults *relaunch()
+    {
+        TWUserDefaults::resetStandardUserDefaults();
+        return TWUserDefaults::standardUserDefaults();
+    }
+
 private Q_SLOTS:
     void initTestCase()
     {
-        storePath = TWUserDefaults::standardUserDefaults()->fileName();
+        storePath = TWUserDefaults::storeFileName();
         QVERIFY(storePath.startsWith(QDir::homePath()));
         QVERIFY(storePath.endsWith(QLatin1String("/Tagwright/Tagwright.plist")));
     }
@@ -44,94 +62,98 @@ private Q_SLOTS:
     void init()
     {
         TWUserDefaults::resetStandardUserDefaults();
-        QFile::remove(storePath);
-        const QStringList asides = QDir(QFileInfo(storePath).absolutePath()).entryList({QStringLiteral("*.unreadable-*")});
-        for (const QString &name : asides)
-            QFile::remove(QFileInfo(storePath).absolutePath() + QLatin1Char('/') + name);
+        QDir(QFileInfo(storePath).absolutePath()).removeRecursively();
+        QFile::remove(TWApplicationDataFolder() + QStringLiteral("/Unsaved Session.plist"));
+        relaunch();
     }
 
-    void everyKindOfValueSurvivesARelaunch()
+    void everyValueAndTextSurvivesARelaunch()
     {
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
         QVariantMap window;
-        window.insert(QStringLiteral("HTML Text"), QString::fromUtf8("<p>日本語</p>\n<b>x</b> & \"y\""));
+        window.insert(QStringLiteral("HTML Text"), everyKindOfText());
         window.insert(QStringLiteral("Auto Indentation"), QStringLiteral("YES"));
         store->setObject(window, QStringLiteral("Editor Window Defaults"));
         store->setObject(QByteArray("\xff\xff\xff\xb2", 4), QStringLiteral("Editor Background Color"));
         store->setObject(QStringList{QStringLiteral("/usr/bin/firefox"), QStringLiteral("/usr/bin/chromium")},
                          QStringLiteral("External Browsers"));
         store->setObject(0.5, QStringLiteral("Suspend Time"));
-        store->setObject(QStringLiteral("SJIS-JP"), QStringLiteral("Text Encoding"));
         QVERIFY(store->synchronize());
 
-        TWUserDefaults::resetStandardUserDefaults();
-        store = TWUserDefaults::standardUserDefaults();
+        store = relaunch();
         QCOMPARE(store->dictionaryForKey(QStringLiteral("Editor Window Defaults")), std::optional<QVariantMap>(window));
         QCOMPARE(store->dataForKey(QStringLiteral("Editor Background Color")),
                  std::optional<QByteArray>(QByteArray("\xff\xff\xff\xb2", 4)));
-        const std::optional<QVariantList> browsers = store->arrayForKey(QStringLiteral("External Browsers"));
-        QVERIFY(browsers);
-        QCOMPARE(browsers->size(), 2);
-        QCOMPARE(browsers->at(1).toString(), QStringLiteral("/usr/bin/chromium"));
+        QCOMPARE(store->arrayForKey(QStringLiteral("External Browsers"))->value(1).toString(),
+                 QStringLiteral("/usr/bin/chromium"));
         QCOMPARE(store->objectForKey(QStringLiteral("Suspend Time")).toDouble(), 0.5);
-        QCOMPARE(store->stringForKey(QStringLiteral("Text Encoding")), std::optional<QString>(QStringLiteral("SJIS-JP")));
-
+        // Typed readers answer nothing for a value of another type.
+        QVERIFY(!store->stringForKey(QStringLiteral("Suspend Time")));
+        QVERIFY(!store->dictionaryForKey(QStringLiteral("External Browsers")));
+        QVERIFY(!store->dataForKey(QStringLiteral("Editor Window Defaults")));
+        QVERIFY(!store->arrayForKey(QStringLiteral("Missing")));
         // The file on disk is a plain XML property list whose root holds the keys.
-        const std::optional<QVariant> root = TWXMLPropertyList::read(readFile(storePath));
-        QVERIFY(root);
-        QVERIFY(root->toMap().contains(QStringLiteral("Editor Window Defaults")));
-    }
-
-    void typedReadersRefuseForeignTypes()
-    {
-        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        store->setObject(42, QStringLiteral("Number"));
-        store->setObject(QStringLiteral("text"), QStringLiteral("Text"));
-        QVERIFY(!store->stringForKey(QStringLiteral("Number")));
-        QVERIFY(!store->dictionaryForKey(QStringLiteral("Text")));
-        QVERIFY(!store->dataForKey(QStringLiteral("Text")));
-        QVERIFY(!store->arrayForKey(QStringLiteral("Text")));
-        QVERIFY(!store->stringForKey(QStringLiteral("Missing")));
-        QVERIFY(store->hasKey(QStringLiteral("Text")));
-        store->removeObjectForKey(QStringLiteral("Text"));
-        QVERIFY(!store->hasKey(QStringLiteral("Text")));
+        QVERIFY(TWXMLPropertyList::read(readFile(storePath))->toMap().contains(QStringLiteral("Editor Window Defaults")));
     }
 
     void unreadableStoreIsSetAsideNotOverwritten_data()
     {
         QTest::addColumn<QByteArray>("contents");
-        QTest::newRow("not XML") << QByteArray("this is not a property list\n\x01\x02");
-        QTest::newRow("truncated plist") << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>A</key>");
+        QTest::addColumn<bool>("setAside");
+        QTest::newRow("not XML") << QByteArray("this is not a property list\n\x01\x02") << true;
+        QTest::newRow("truncated plist") << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>A</key>")
+                                         << true;
         QTest::newRow("root is an array")
-            << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><array><string>x</string></array></plist>");
+            << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><array><string>x</string></array></plist>")
+            << true;
+        QTest::newRow("empty file is an empty store") << QByteArray() << false;
     }
 
     void unreadableStoreIsSetAsideNotOverwritten()
     {
         QFETCH(QByteArray, contents);
-        writeFile(storePath, contents);
-
-        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+        QFETCH(bool, setAside);
+        QVERIFY(writeFile(storePath, contents));
+        TWUserDefaults *store = relaunch();
         const QString aside = store->setAsideFileName();
-        QVERIFY(!aside.isEmpty());
-        QCOMPARE(readFile(aside), contents);
-        QVERIFY(!store->hasKey(QStringLiteral("A")));
-
+        QCOMPARE(!aside.isEmpty(), setAside);
+        if (setAside)
+            QCOMPARE(readFile(aside), contents);
         store->setObject(QStringLiteral("fresh"), QStringLiteral("Key"));
         QVERIFY(store->synchronize());
-        QCOMPARE(readFile(aside), contents);
-        TWUserDefaults::resetStandardUserDefaults();
-        QCOMPARE(TWUserDefaults::standardUserDefaults()->stringForKey(QStringLiteral("Key")),
-                 std::optional<QString>(QStringLiteral("fresh")));
+        if (setAside)
+            QCOMPARE(readFile(aside), contents);
+        QCOMPARE(relaunch()->stringForKey(QStringLiteral("Key")), std::optional<QString>(QStringLiteral("fresh")));
     }
 
-    void emptyStoreFileIsAnEmptyStore()
+    void storeThatCannotBeWrittenLosesNothing()
     {
-        writeFile(storePath, QByteArray());
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        QVERIFY(store->setAsideFileName().isEmpty());
-        store->setObject(QStringLiteral("v"), QStringLiteral("k"));
+        store->setObject(QStringLiteral("old"), QStringLiteral("Text"));
         QVERIFY(store->synchronize());
+        const QByteArray before = readFile(storePath);
+
+        // A write the writer refuses leaves the file as it was.
+        store->setObject(QPoint(1, 2), QStringLiteral("Unwritable"));
+        store->setObject(everyKindOfText(), QStringLiteral("Text"));
+        QVERIFY(!store->synchronize());
+        QCOMPARE(readFile(storePath), before);
+        store->removeObjectForKey(QStringLiteral("Unwritable"));
+
+        // A store whose folder cannot hold it (taken by a file: not even root writes there) keeps
+        // its state in a file of its own, which the next launch takes back.
+        const QString folder = QFileInfo(storePath).absolutePath();
+        QVERIFY(QDir(folder).removeRecursively());
+        QVERIFY(writeFile(folder, "in the way"));
+        QVERIFY(!store->synchronize());
+        const QString kept = store->keepUnsavedState();
+        QVERIFY(kept.startsWith(TWApplicationDataFolder()));
+        QVERIFY(QFile::remove(folder));
+        store = relaunch();
+        QCOMPARE(store->restoredFileName(), kept);
+        QCOMPARE(store->stringForKey(QStringLiteral("Text")), std::optional<QString>(everyKindOfText()));
+        QVERIFY(!QFile::exists(kept));
+        QVERIFY(relaunch()->restoredFileName().isEmpty());
     }
 };
 
