@@ -4,6 +4,7 @@
 #include "app/TWRecoveryCopy.h"
 
 #include "TWRecordingPreview.h"
+#include "TWTestEnvironment.h"
 #include "app/TWAppDelegate.h"
 #include "documents/TWCSSWindowController.h"
 #include "documents/TWTemplateWindowController.h"
@@ -21,22 +22,10 @@
 #include <QFile>
 #include <QTest>
 
-#include <functional>
 
 namespace {
 
 constexpr int patience = 60000;
-
-// Turns the event loop one batch of events at a time, so that no state of a write in pieces
-// goes unseen, until the condition holds or patience runs out.
-bool turnUntil(const std::function<bool()> &condition)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < patience)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    return condition();
-}
 
 QStringList copiedDocuments()
 {
@@ -102,7 +91,7 @@ private Q_SLOTS:
             templateWindow->setTemplateFilename(file);
         else
             css->setCSSFilename(file);
-        QTRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes && !copy->isWriting(), patience);
+        TW_TRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes && !copy->isWriting(), patience);
         // Only the document that changed is written.
         QCOMPARE(copiedDocuments(), QStringList{document});
 
@@ -164,7 +153,7 @@ private Q_SLOTS:
             const int writes = copy->writesDone();
             view->insertText(QStringLiteral("<"));
             states << qHash(view->string());
-            QVERIFY2(turnUntil([copy] { return copy->isWriting(); }), qPrintable(QString::number(round)));
+            QVERIFY2(TWTestEnvironment::waitFor([copy] { return copy->isWriting(); }, patience), qPrintable(QString::number(round)));
             for (int edit = 0; edit < 3 && copy->writesDone() == writes; ++edit) {
                 QTextCursor cursor(view->document());
                 cursor.setPosition(int(random.bounded(view->document()->characterCount() - 1)));
@@ -172,7 +161,7 @@ private Q_SLOTS:
                 states << qHash(view->string());
                 QCoreApplication::processEvents();
             }
-            QTRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes, patience);
+            TW_TRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes, patience);
             const std::optional<QList<QString>> written
                 = TWRecoveryCopy::read(TWRecoveryCopy::folder() + QStringLiteral("/HTML"));
             QVERIFY(written);

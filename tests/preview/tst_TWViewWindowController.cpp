@@ -2,6 +2,7 @@
 // shows and keeps, its window, its flags and base URL, and the external browsers.
 #include "preview/TWViewWindowController.h"
 
+#include "TWTestEnvironment.h"
 #include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWCSSWindowController.h"
@@ -39,18 +40,18 @@ QVariant evaluate(const QString &script)
 {
     std::optional<QVariant> answer;
     viewer()->webView()->page()->runJavaScript(script, [&answer](const QVariant &value) { answer = value; });
-    return QTest::qWaitFor([&answer] { return answer.has_value(); }, loadTimeout) ? *answer : QVariant();
+    return TWTestEnvironment::waitFor([&answer] { return answer.has_value(); }, loadTimeout) ? *answer : QVariant();
 }
 
 // Starts a load once the viewer is idle and waits until the engine has finished; answers
 // whether it succeeded.
 bool loadAndWait(const std::function<void()> &load)
 {
-    if (!QTest::qWaitFor([] { return !viewer()->isLoading(); }, loadTimeout))
+    if (!TWTestEnvironment::waitFor([] { return !viewer()->isLoading(); }, loadTimeout))
         return false;
     QSignalSpy ended(viewer(), &TWViewWindowController::loadEnded);
     load();
-    return QTest::qWaitFor([&ended] { return !ended.isEmpty(); }, loadTimeout) && ended.last().first().toBool();
+    return TWTestEnvironment::waitFor([&ended] { return !ended.isEmpty(); }, loadTimeout) && ended.last().first().toBool();
 }
 
 bool show(const QString &html, Route route = RenderNow)
@@ -94,7 +95,7 @@ private Q_SLOTS:
         QSignalSpy requested(viewer(), &TWViewWindowController::pageRequested);
         delegate->applicationDidFinishLaunching();
         // Every render timer started meanwhile has fired.
-        QTRY_COMPARE(viewer()->timerCount(), 0);
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->timerCount(), 0, loadTimeout);
         launchRenders = requested.count();
         // From here on only the tests' own requests render.
         viewer()->setAutoRender(false);
@@ -106,7 +107,7 @@ private Q_SLOTS:
     {
         TWTemplateWindowController::sharedTemplateController()->loadTemplate(
             QStringLiteral("<html><head></head><body>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n</body></html>"));
-        viewer()->setBaseURLWithString(QStringLiteral("http://localhost/"));
+        viewer()->setBaseURL(TWPageComposer::fileURL(site.filePath(QStringLiteral("index.html"))));
     }
 
     void launchRendersOnce()
@@ -120,7 +121,7 @@ private Q_SLOTS:
         writeFile(site.filePath(QStringLiteral("img/logo.svg")), "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='17'/>");
         viewer()->setBaseURL(TWPageComposer::fileURL(site.filePath(QStringLiteral("index.html"))));
         QVERIFY(show(QStringLiteral("<img id=logo src=\"img/logo.svg\">")));
-        QTRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("logo.naturalWidth + 'x' + logo.naturalHeight")).toString(),
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("logo.naturalWidth + 'x' + logo.naturalHeight")).toString(),
                                   QStringLiteral("33x17"), loadTimeout);
     }
 
@@ -155,7 +156,7 @@ private Q_SLOTS:
             QStringLiteral("<html><head>%1</head><body>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n</body></html>").arg(head));
         viewer()->setWindowTitle(QString());
         QVERIFY(show(html, Route(route)));
-        QTRY_COMPARE(viewer()->windowTitle(), title);
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->windowTitle(), title, loadTimeout);
     }
 
     void styleSheetIsTheFileAsSavedAtEachLoad_data()
@@ -202,7 +203,7 @@ private Q_SLOTS:
         QVERIFY(show(html, Route(route)));
         const QString element = QStringLiteral("document.getElementById('t') || "
                                                "document.querySelector('iframe').contentDocument.getElementById('t')");
-        QTRY_COMPARE(evaluate(QStringLiteral("getComputedStyle(%1).color").arg(element)).toString(), color);
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("getComputedStyle(%1).color").arg(element)).toString(), color, loadTimeout);
         viewer()->setApplyCSS(false);
     }
 
@@ -213,9 +214,9 @@ private Q_SLOTS:
             page += QStringLiteral("<p>line %1</p>\n").arg(i);
         QVERIFY(show(page));
         evaluate(QStringLiteral("window.scrollTo(0, 3000)"));
-        QTRY_VERIFY(viewer()->webView()->page()->scrollPosition().y() > 2900);
+        TW_TRY_VERIFY_WITH_TIMEOUT(viewer()->webView()->page()->scrollPosition().y() > 2900, loadTimeout);
         QVERIFY(show(page + QStringLiteral("<p>one more</p>")));
-        QTRY_COMPARE(evaluate(QStringLiteral("window.scrollY")).toInt(), 3000);
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("window.scrollY")).toInt(), 3000, loadTimeout);
     }
 
     void pagesOverTheHandOverLimitRenderWhole()
@@ -228,7 +229,7 @@ private Q_SLOTS:
         QCOMPARE(evaluate(QStringLiteral("document.getElementById('last').textContent")).toString(),
                  QStringLiteral("the end"));
         QCOMPARE(evaluate(QStringLiteral("document.getElementsByTagName('p').length")).toInt(), count + 1);
-        QTRY_COMPARE(viewer()->windowTitle(), QStringLiteral("Large"));
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->windowTitle(), QStringLiteral("Large"), loadTimeout);
         QCOMPARE(viewer()->webView()->page()->url(), *viewer()->baseURL());
     }
 
@@ -237,7 +238,7 @@ private Q_SLOTS:
         TWEditWindowController::sharedEditWindowController()->textView()->setString(
             QStringLiteral("<script>document.title = 'spinning'; for (;;) {}</script>"));
         viewer()->renderNow();
-        QTRY_COMPARE_WITH_TIMEOUT(viewer()->webView()->page()->title(), QStringLiteral("spinning"), loadTimeout);
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->webView()->page()->title(), QStringLiteral("spinning"), loadTimeout);
         viewer()->stopRendering();
         // The next render works, in a fresh page process.
         QVERIFY(show(QStringLiteral("<p id=after>after</p>")));
@@ -268,7 +269,7 @@ private Q_SLOTS:
     void renderNowBringsBackAMinimisedViewer()
     {
         viewer()->showMinimized();
-        QTRY_VERIFY(viewer()->isMinimized());
+        TW_TRY_VERIFY_WITH_TIMEOUT(viewer()->isMinimized(), loadTimeout);
         QVERIFY(show(QStringLiteral("<p>back</p>")));
         QVERIFY(TWWindowOrder::isWindowVisible(viewer()));
     }
@@ -338,7 +339,7 @@ private Q_SLOTS:
         writeFile(browser, QStringLiteral("#!/bin/sh\nprintf '%s' \"$1\" > '%1'\n").arg(record).toUtf8());
         QFile::setPermissions(browser, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         viewer()->viewOnApp(browser);
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), loadTimeout);
+        TW_TRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), loadTimeout);
         QFile opened(record);
         QVERIFY(opened.open(QIODevice::ReadOnly));
         QCOMPARE(QString::fromUtf8(opened.readAll()), TWApplicationDataFolder() + QStringLiteral("/Tagwright_tmp.html"));

@@ -2,7 +2,9 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QTimer>
 
 #include <cstdlib>
 #include <string>
@@ -52,4 +54,15 @@ const std::string privateHome = makePrivateHome();
 QString TWTestEnvironment::home()
 {
     return QString::fromStdString(privateHome);
+}
+
+bool TWTestEnvironment::waitFor(const std::function<bool()> &condition, int milliseconds)
+{
+    const QDeadlineTimer deadline(milliseconds);
+    // Wakes the loop now and then, so that the deadline is seen even when nothing happens.
+    QTimer wake;
+    wake.start(50);
+    while (!condition() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return condition();
 }
