@@ -21,13 +21,29 @@
 namespace {
 
 constexpr char folderName[] = "Recovery";
-constexpr char partialSuffix[] = ".new";
-// Each file: this line, then each field as its length in bytes (8 bytes, little-endian) and its
-// UTF-16 text (little-endian), so that any text comes back exactly, whatever it holds.
-constexpr char magic[] = "Tagwright recovery copy 1\n";
+// Each document has two files, written in turn: the one being written is always the older,
+// so the newer stays whole meanwhile. Writing over a file in place, rather than writing a new
+// one and renaming it over the old, spares the event loop the milliseconds the file system
+// takes to free the old file and to start writing out the new one at each replacement.
+constexpr const char *slotSuffixes[] = {".1", ".2"};
+constexpr int slotCount = 2;
+// Each file: this line and its number in the order of writing (8 bytes, little-endian), then
+// each field as its length in bytes (8 bytes) and its UTF-16 text (little-endian), so that any
+// text comes back exactly, whatever it holds. The line and number are written last, over
+// zeros written first: a file that does not start with them was not written to its end.
+constexpr char magic[] = "Tagwright recovery copy 2\n";
+constexpr qsizetype headerSize = sizeof(magic) - 1 + sizeof(quint64);
 
 enum Document { html, templateDocument, styleSheet };
 constexpr int fieldsPerDocument = 2;
+
+// The number of a whole file, from its first bytes; nothing for a file not written to its end.
+std::optional<quint64> generationOf(QByteArrayView bytes)
+{
+    if (bytes.size() < headerSize || !bytes.startsWith(magic))
+        return std::nullopt;
+    return qFromLittleEndian<quint64>(bytes.constData() + headerSize - sizeof(quint64));
+}
 
 QByteArray lengthBytes(qint64 bytes)
 {
@@ -81,14 +97,10 @@ QString TWRecoveryCopy::folder()
     return TWApplicationDataFolder() + QLatin1Char('/') + QLatin1String(folderName);
 }
 
-QString TWRecoveryCopy::pathOf(int document) const
-{
-    return folder() + QLatin1Char('/') + QLatin1String(documents.at(document).fileName);
-}
-
 QList<QByteArray> TWRecoveryCopy::encode(const QList<QString> &fields)
 {
-    QList<QByteArray> pieces{QByteArray(magic)};
+    // The header's place, kept by zeros until the file is whole.
+    QList<QByteArray> pieces{QByteArray(headerSize, '\0')};
     for (const QString &field : fields) {
         pieces << lengthBytes(field.size() * qsizetype(sizeof(char16_t)));
         pieces << textBytes(field);
@@ -98,10 +110,10 @@ QList<QByteArray> TWRecoveryCopy::encode(const QList<QString> &fields)
 
 std::optional<QList<QString>> TWRecoveryCopy::decode(const QByteArray &bytes, int count)
 {
-    if (!bytes.startsWith(magic))
+    if (!generationOf(bytes))
         return std::nullopt;
     QList<QString> fields;
-    qsizetype at = qsizetype(qstrlen(magic));
+    qsizetype at = headerSize;
     for (int i = 0; i < count; ++i) {
         if (bytes.size() - at < qsizetype(sizeof(quint64)))
             return std::nullopt;
@@ -119,27 +131,61 @@ std::optional<QList<QString>> TWRecoveryCopy::decode(const QByteArray &bytes, in
     return fields;
 }
 
-std::optional<QList<QString>> TWRecoveryCopy::read(const QString &path)
+QString TWRecoveryCopy::slotPath(const char *document, int slot)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    std::optional<QList<QString>> fields = decode(file.readAll(), fieldsPerDocument);
-    if (fields)
-        (*fields)[1] = TWDocumentText::fromDocument(fields->at(1));
-    return fields;
+    return folder() + QLatin1Char('/') + QLatin1String(document) + QLatin1String(slotSuffixes[slot]);
+}
+
+std::optional<QList<QString>> TWRecoveryCopy::read(const char *document)
+{
+    std::optional<QList<QString>> newest;
+    quint64 newestGeneration = 0;
+    for (int slot = 0; slot < slotCount; ++slot) {
+        QFile file(slotPath(document, slot));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray bytes = file.readAll();
+        const std::optional<quint64> generation = generationOf(bytes);
+        if (!generation || (newest && *generation < newestGeneration))
+            continue;
+        if (std::optional<QList<QString>> fields = decode(bytes, fieldsPerDocument)) {
+            (*fields)[1] = TWDocumentText::fromDocument(fields->at(1));
+            newest = std::move(fields);
+            newestGeneration = *generation;
+        }
+    }
+    return newest;
+}
+
+void TWRecoveryCopy::findNewestSlots()
+{
+    for (Document &document : documents) {
+        quint64 newestGeneration = 0;
+        document.newestSlot = -1;
+        for (int slot = 0; slot < slotCount; ++slot) {
+            QFile file(slotPath(document.fileName, slot));
+            const std::optional<quint64> generation
+                = file.open(QIODevice::ReadOnly) ? generationOf(file.read(headerSize)) : std::nullopt;
+            if (generation && (document.newestSlot < 0 || *generation > newestGeneration)) {
+                document.newestSlot = slot;
+                newestGeneration = *generation;
+            }
+            lastGeneration = std::max(lastGeneration, generation.value_or(0));
+        }
+    }
 }
 
 bool TWRecoveryCopy::restore()
 {
     bool restored = false;
     for (int document = 0; document < documents.size(); ++document) {
-        const QString path = pathOf(document);
-        if (!QFile::exists(path))
+        const char *fileName = documents.at(document).fileName;
+        if (!QFile::exists(slotPath(fileName, 0)) && !QFile::exists(slotPath(fileName, 1)))
             continue;
-        const std::optional<QList<QString>> fields = read(path);
+        const std::optional<QList<QString>> fields = read(fileName);
         if (!fields) {
-            std::fprintf(stderr, "The recovery copy %s could not be read; it is left as it is.\n", qPrintable(path));
+            std::fprintf(stderr, "The recovery copy of the %s in %s could not be read; it is left as it is.\n",
+                         fileName, qPrintable(folder()));
             continue;
         }
         const QString &name = fields->at(0);
@@ -176,6 +222,7 @@ void TWRecoveryCopy::start()
     if (started)
         return;
     started = true;
+    findNewestSlots();
     TWEditWindowController *htmlWindow = TWEditWindowController::sharedEditWindowController();
     TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
     TWCSSWindowController *cssWindow = TWCSSWindowController::sharedCSSController();
@@ -267,8 +314,10 @@ bool TWRecoveryCopy::startWriting(Job &job)
     job.text.clear();
     job.pieces = encode(job.fields);
     QDir().mkpath(folder());
-    file = std::make_unique<QFile>(pathOf(job.document) + QLatin1String(partialSuffix));
-    return file->open(QIODevice::WriteOnly | QIODevice::Truncate);
+    // Over the older file, in place: its pages are reused rather than freed and taken anew.
+    job.slot = document.newestSlot == 0 ? 1 : 0;
+    file = std::make_unique<QFile>(slotPath(document.fileName, job.slot));
+    return file->open(QIODevice::ReadWrite);
 }
 
 void TWRecoveryCopy::writeSlice()
@@ -318,17 +367,19 @@ void TWRecoveryCopy::writeSlice()
 
 void TWRecoveryCopy::finishJob()
 {
-    const int document = jobs.first().document;
-    const bool flushed = file->flush();
+    const Job &job = jobs.first();
+    // What is left of an older, longer text goes; then the header marks the file whole.
+    QByteArray header = QByteArray(magic) + lengthBytes(0);
+    qToLittleEndian<quint64>(++lastGeneration, header.data() + headerSize - sizeof(quint64));
+    const bool whole = file->resize(file->pos()) && file->seek(0) && file->write(header) == header.size()
+        && file->flush();
     file->close();
-    const QString partial = file->fileName();
     file.reset();
-    // The new file takes the old one's place in one step: the copy on disk is always whole.
-    if (!flushed || std::rename(QFile::encodeName(partial).constData(), QFile::encodeName(pathOf(document)).constData()) != 0) {
-        QFile::remove(partial);
-        documents[document].dirty = true;
-    } else {
+    if (whole) {
+        documents[job.document].newestSlot = job.slot;
         ++writes;
+    } else {
+        documents[job.document].dirty = true;
     }
     jobs.removeFirst();
 }
@@ -340,10 +391,9 @@ void TWRecoveryCopy::abandonJob()
         std::fprintf(stderr, "The recovery copy could not be written to %s: %s\n", qPrintable(file->fileName()),
                      qPrintable(file->errorString()));
         file->close();
-        QFile::remove(file->fileName());
         file.reset();
     }
-    // Tried again at the next change, not in a loop.
+    // Tried again at the next change, not in a loop; the newer file is still whole.
     documents[document].dirty = true;
     jobs.removeFirst();
 }
@@ -364,11 +414,12 @@ void TWRecoveryCopy::discard()
     longestWaitTimer.stop();
     if (file) {
         file->close();
-        QFile::remove(file->fileName());
         file.reset();
     }
     jobs.clear();
-    for (Document &document : documents)
+    for (Document &document : documents) {
         document.dirty = false;
+        document.newestSlot = -1;
+    }
     QDir(folder()).removeRecursively();
 }

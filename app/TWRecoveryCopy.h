@@ -19,7 +19,7 @@ class QTextDocument;
 // typing. The copy is written a second after typing pauses, and at least every second and a
 // half while it goes on; only documents that changed are written, and both taking the text
 // out of its document and writing it happen in small pieces between events, so that typing
-// never waits for it. A clean quit removes it; a start that finds it puts its texts back.
+// never waits for it. Each document has two files, written in turn, so one is always whole. A clean quit removes it; a start that finds it puts its texts back.
 class TWRecoveryCopy : public QObject
 {
     Q_OBJECT
@@ -40,9 +40,9 @@ public:
     void writeNow();
 
     bool isWriting() const { return !jobs.isEmpty(); }
-    // What one file of the copy holds: the document's file name and its text (as string() gives
-    // it); nothing when the file is missing or not a whole copy.
-    static std::optional<QList<QString>> read(const QString &path);
+    // The newest whole copy of a document ("HTML", "Template", "Style Sheet"): its file name
+    // and its text (as string() gives it); nothing when there is none.
+    static std::optional<QList<QString>> read(const char *document);
     // Copies written since start (tests and benchmarks).
     int writesDone() const { return writes; }
 
@@ -65,10 +65,13 @@ private:
         std::function<QTextDocument *()> source;
         std::function<QString()> text;
         bool dirty = false;
+        // Which of the document's two files holds its newest whole copy; -1 for neither.
+        int newestSlot = -1;
     };
     struct Job
     {
         int document;
+        int slot = 0;
         // The text taken so far: always the start of the document as it is now.
         QString text;
         int taken = 0;
@@ -93,7 +96,8 @@ private:
     void abandonJob();
     static QList<QByteArray> encode(const QList<QString> &fields);
     static std::optional<QList<QString>> decode(const QByteArray &bytes, int count);
-    QString pathOf(int document) const;
+    static QString slotPath(const char *document, int slot);
+    void findNewestSlots();
 
     QList<Document> documents;
     QList<Job> jobs;
@@ -103,4 +107,6 @@ private:
     bool started = false;
     bool sliceScheduled = false;
     int writes = 0;
+    // The number of the last file written, here or by an earlier run.
+    quint64 lastGeneration = 0;
 };

@@ -20,6 +20,7 @@
 #include <QRandomGenerator>
 #include <QTextCursor>
 #include <QFile>
+#include <QMap>
 #include <QTest>
 
 
@@ -27,9 +28,27 @@ namespace {
 
 constexpr int patience = 60000;
 
+// The documents that have files in the copy, by name.
 QStringList copiedDocuments()
 {
-    return QDir(TWRecoveryCopy::folder()).entryList(QDir::Files, QDir::Name);
+    QStringList documents;
+    for (const QString &file : QDir(TWRecoveryCopy::folder()).entryList(QDir::Files, QDir::Name))
+        documents << file.section(QLatin1Char('.'), 0, 0);
+    documents.removeDuplicates();
+    return documents;
+}
+
+// Every file of the copy with its bytes.
+QMap<QString, QByteArray> copyFiles()
+{
+    QMap<QString, QByteArray> files;
+    const QDir folder(TWRecoveryCopy::folder());
+    for (const QString &name : folder.entryList(QDir::Files)) {
+        QFile file(folder.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            files.insert(name, file.readAll());
+    }
+    return files;
 }
 
 // What a user can have in a text: every kind of character a file or the keyboard gives.
@@ -96,10 +115,7 @@ private Q_SLOTS:
         QCOMPARE(copiedDocuments(), QStringList{document});
 
         // The next start after a crash: the texts and names come back as they were.
-        QFile saved(TWRecoveryCopy::folder() + QLatin1Char('/') + document);
-        QVERIFY(saved.open(QIODevice::ReadOnly));
-        const QByteArray bytes = saved.readAll();
-        saved.close();
+        const QMap<QString, QByteArray> files = copyFiles();
         copy->discard();
         html->loadHTML(QStringLiteral("other"));
         html->setHTMLFilename(QString());
@@ -109,9 +125,10 @@ private Q_SLOTS:
         css->setCSSFilename(QString());
         copy->discard();
         QDir().mkpath(TWRecoveryCopy::folder());
-        QVERIFY(saved.open(QIODevice::WriteOnly));
-        saved.write(bytes);
-        saved.close();
+        for (auto file = files.cbegin(); file != files.cend(); ++file) {
+            QFile saved(TWRecoveryCopy::folder() + QLatin1Char('/') + file.key());
+            QVERIFY(saved.open(QIODevice::WriteOnly) && saved.write(file.value()) == file.value().size());
+        }
         QVERIFY(copy->restore());
         if (document == QLatin1String("HTML")) {
             QCOMPARE(html->getText(), text);
@@ -161,20 +178,33 @@ private Q_SLOTS:
                 states << qHash(view->string());
                 QCoreApplication::processEvents();
             }
-            TW_TRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes, patience);
-            const std::optional<QList<QString>> written
-                = TWRecoveryCopy::read(TWRecoveryCopy::folder() + QStringLiteral("/HTML"));
+            // A crash at any turn of the write would find the copy written before it, whole.
+            QElapsedTimer clock;
+            clock.start();
+            while (copy->writesDone() == writes && clock.elapsed() < patience) {
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+                const std::optional<QList<QString>> meanwhile = TWRecoveryCopy::read("HTML");
+                QVERIFY(round == 0 || (meanwhile && states.contains(qHash(meanwhile->at(1)))));
+            }
+            QVERIFY(copy->writesDone() > writes);
+            const std::optional<QList<QString>> written = TWRecoveryCopy::read("HTML");
             QVERIFY(written);
             QVERIFY2(states.contains(qHash(written->at(1))), qPrintable(QStringLiteral("round %1").arg(round)));
         }
+        // A shorter text leaves nothing of the longer one before it.
+        const int writes = copy->writesDone();
+        view->setString(QStringLiteral("short"));
+        TW_TRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes + 1 || (copy->writesDone() > writes && !copy->isWriting()), patience);
+        QCOMPARE(TWRecoveryCopy::read("HTML").value_or(QList<QString>{{}, {}}).at(1), QStringLiteral("short"));
     }
 
     void unreadableCopyIsLeftAlone()
     {
         QDir().mkpath(TWRecoveryCopy::folder());
-        QFile broken(TWRecoveryCopy::folder() + QStringLiteral("/HTML"));
+        QFile broken(TWRecoveryCopy::folder() + QStringLiteral("/HTML.1"));
         QVERIFY(broken.open(QIODevice::WriteOnly));
-        broken.write("Tagwright recovery copy 1\n\x05\x00\x00\x00\x00\x00\x00\x00ab");
+        // Marked whole, but its text is shorter than its length says.
+        broken.write(QByteArray("Tagwright recovery copy 2\n") + QByteArray(8, '\1') + QByteArray("\x05\0\0\0\0\0\0\0ab", 10));
         broken.close();
         html->loadHTML(QStringLiteral("mine"));
         QVERIFY(!TWRecoveryCopy::shared()->restore());

@@ -29,7 +29,7 @@ kill -KILL "$E2E_APP"
 wait "$E2E_APP" 2>/dev/null || true
 E2E_APP=
 grep -qF 'typed before the crash' <<<"$(e2e_store)" && e2e_fail "the store was written without a quit"
-[ -f "$XDG_DATA_HOME/Tagwright/Recovery/HTML" ] || e2e_fail "no recovery copy was written while typing"
+compgen -G "$XDG_DATA_HOME/Tagwright/Recovery/HTML.*" >/dev/null || e2e_fail "no recovery copy was written while typing"
 e2e_start "$APP"
 sleep 0.5
 e2e_screenshot "$SHOTS/e2e_recovery-after-crash.png"
