@@ -1,5 +1,5 @@
-// The application's launch and quit: the application defaults record, the launching flag,
-// files handed over at launch, and everything saved at quit.
+// The application's launch and quit: the launching flag, files handed over at launch, the
+// application defaults record, and everything saved at quit.
 #include "app/TWAppDelegate.h"
 
 #include "TWRecordingPreview.h"
@@ -9,7 +9,7 @@
 #include "editor/TWEditWindowController.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWXMLPropertyList.h"
-#include "preferences/TWPreferences.h"
+#include "preferences/TWPreferenceKeys.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,21 +19,23 @@
 
 namespace {
 
-QVariantMap record(const QVariant &projectFilename)
+QVariant record(const QVariant &projectFilename)
 {
-    QVariantMap map;
-    if (projectFilename.isValid())
-        map.insert(QLatin1String(TWAppDefaultsKey::projectFilename), projectFilename);
-    return map;
+    return projectFilename.isValid() ? QVariantMap{{QLatin1String(TWAppDefaultsKey::projectFilename), projectFilename}}
+                                     : QVariantMap();
+}
+
+bool writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly) && file.write(bytes) > 0;
 }
 
 // The store as written to disk, read back as a whole.
 QVariantMap storeOnDisk()
 {
     QFile file(TWUserDefaults::standardUserDefaults()->fileName());
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return TWXMLPropertyList::read(file.readAll()).value_or(QVariant()).toMap();
+    return TWXMLPropertyList::read(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray()).value_or(QVariant()).toMap();
 }
 
 } // namespace
@@ -44,6 +46,7 @@ class tst_TWAppDelegate : public QObject
 
 private:
     TWRecordingPreview viewer;
+    QTemporaryDir dir;
 
 private Q_SLOTS:
     void initTestCase()
@@ -51,59 +54,26 @@ private Q_SLOTS:
         viewer.install();
     }
 
-    void projectFilenameComesFromTheRightRecord_data()
+    // Files handed over at launch open in the window their extension names, in any case: a
+    // page unless a style sheet or a template. The page renders once, when the launch ends.
+    void launchOpensFilesByExtensionAndShowsThePageOnce()
     {
-        QTest::addColumn<QVariant>("legacy");
-        QTest::addColumn<QVariant>("current");
-        QTest::addColumn<QString>("expected");
-        const QVariant none;
-        QTest::newRow("no record") << none << none << QString();
-        QTest::newRow("current only") << none << QVariant(record(QStringLiteral("/p/new.twproj")))
-                                      << QStringLiteral("/p/new.twproj");
-        QTest::newRow("legacy only") << QVariant(record(QStringLiteral("/p/old.twproj"))) << none
-                                     << QStringLiteral("/p/old.twproj");
-        QTest::newRow("both: legacy wins")
-            << QVariant(record(QStringLiteral("/p/old.twproj"))) << QVariant(record(QStringLiteral("/p/new.twproj")))
-            << QStringLiteral("/p/old.twproj");
-        QTest::newRow("legacy without a name still wins")
-            << QVariant(record(QVariant())) << QVariant(record(QStringLiteral("/p/new.twproj"))) << QString();
-        QTest::newRow("name of another type") << none << QVariant(record(42)) << QString();
-    }
-
-    void projectFilenameComesFromTheRightRecord()
-    {
-        QFETCH(QVariant, legacy);
-        QFETCH(QVariant, current);
-        QFETCH(QString, expected);
-        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::legacyRecord));
-        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::record));
-        if (legacy.isValid())
-            store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
-        if (current.isValid())
-            store->setObject(current, QLatin1String(TWAppDefaultsKey::record));
-
-        delete TWAppDelegate::sharedAppDelegate();
-        QCOMPARE(TWAppDelegate::sharedAppDelegate()->projectFilename(), expected);
-    }
-
-    void launchOpensFilesAndShowsTheWindowOnce()
-    {
-        QTemporaryDir dir;
-        const QString page = dir.filePath(QStringLiteral("handed.html"));
-        QFile file(page);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("<p>handed over</p>\n");
-        file.close();
-
+        const QString css = dir.filePath(QStringLiteral("page.CSS"));
+        const QString templateFile = dir.filePath(QStringLiteral("site.TwTemp"));
+        const QString page = dir.filePath(QStringLiteral("v1.css/page"));
+        for (const QString &path : {css, templateFile, page})
+            QVERIFY(writeFile(path, "<p>handed over</p>\n"));
         const int renders = viewer.renderNowCount;
         TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        QVERIFY(delegate->isLaunching());
         delegate->applicationWillFinishLaunching();
+        for (const QString &path : {css, templateFile, page})
+            QVERIFY(delegate->applicationOpenFile(path));
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        QVERIFY(!window->isVisible());
-        QVERIFY(delegate->applicationOpenFile(page));
+        QCOMPARE(TWCSSWindowController::sharedCSSController()->cssFilename(), css);
+        QCOMPARE(TWTemplateWindowController::sharedTemplateController()->templateFilename(), templateFile);
+        QCOMPARE(window->htmlFilename(), page);
         QCOMPARE(window->getText(), QStringLiteral("<p>handed over</p>\n"));
+        QVERIFY(!window->isVisible());
         QCOMPARE(viewer.renderNowCount, renders);
         QVERIFY(delegate->isLaunching());
 
@@ -113,56 +83,45 @@ private Q_SLOTS:
         QCOMPARE(viewer.renderNowCount, renders + 1);
     }
 
-    void filesAreRoutedByExtension_data()
+    // The project file name comes from the older record when there is one, even without a
+    // name, else from the current one; at quit only the current record is written.
+    void quitSavesPreferencesRecordAndWindows_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("window");
-        QTest::newRow("style sheet") << QStringLiteral("page.css") << QStringLiteral("css");
-        QTest::newRow("style sheet, upper case") << QStringLiteral("page.CSS") << QStringLiteral("css");
-        QTest::newRow("template, mixed case") << QStringLiteral("site.TwTemp") << QStringLiteral("template");
-        QTest::newRow("HTML") << QStringLiteral("page.html") << QStringLiteral("html");
-        QTest::newRow("text file") << QStringLiteral("page.txt") << QStringLiteral("html");
-        QTest::newRow("no extension") << QStringLiteral("README") << QStringLiteral("html");
-        QTest::newRow("dot in folder only") << QStringLiteral("v1.css/page") << QStringLiteral("html");
-    }
-
-    void filesAreRoutedByExtension()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, window);
-        QTemporaryDir dir;
-        const QString path = dir.filePath(name);
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("routed text");
-        file.close();
-
-        QVERIFY(TWAppDelegate::sharedAppDelegate()->openFile(path));
-        QCOMPARE(TWCSSWindowController::sharedCSSController()->cssFilename() == path, window == QLatin1String("css"));
-        QCOMPARE(TWTemplateWindowController::sharedTemplateController()->templateFilename() == path,
-                 window == QLatin1String("template"));
-        QCOMPARE(TWEditWindowController::sharedEditWindowController()->htmlFilename() == path,
-                 window == QLatin1String("html"));
+        QTest::addColumn<QVariant>("legacy");
+        QTest::addColumn<QVariant>("current");
+        QTest::addColumn<QString>("projectFilename");
+        const QVariant none;
+        QTest::newRow("no record") << none << none << QString();
+        QTest::newRow("current only") << none << record(QStringLiteral("/p/new.twproj"))
+                                      << QStringLiteral("/p/new.twproj");
+        QTest::newRow("both: legacy wins") << record(QStringLiteral("/p/old.twproj")) << record(QStringLiteral("/p/new.twproj"))
+                                           << QStringLiteral("/p/old.twproj");
+        QTest::newRow("legacy without a name still wins")
+            << record(none) << record(QStringLiteral("/p/new.twproj")) << QString();
+        QTest::newRow("name of another type") << none << record(42) << QString();
     }
 
     void quitSavesPreferencesRecordAndWindows()
     {
+        QFETCH(QVariant, legacy);
+        QFETCH(QVariant, current);
+        QFETCH(QString, projectFilename);
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        const QVariantMap legacy = record(QStringLiteral("/p/legacy.twproj"));
-        store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
-        store->setObject(QStringLiteral("0.1"), QStringLiteral("Application Version"));
-        store->synchronize();
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::legacyRecord));
+        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::record));
+        if (legacy.isValid())
+            store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
+        if (current.isValid())
+            store->setObject(current, QLatin1String(TWAppDefaultsKey::record));
+        store->setObject(QStringLiteral("0.1"), QLatin1String(TWPreferenceKey::applicationVersion));
         delete TWAppDelegate::sharedAppDelegate();
-
         TWEditWindowController::sharedEditWindowController()->loadHTML(QStringLiteral("<p>typed before quitting</p>"));
         TWAppDelegate::sharedAppDelegate()->applicationWillTerminate();
-
-        // Only the current record is written; it carries the name the older one gave.
         const QVariantMap disk = storeOnDisk();
-        QCOMPARE(disk.value(QStringLiteral("Application Version")).toString(), QStringLiteral("1.4b3"));
-        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap(), legacy);
-        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)).toMap(), legacy);
+        QCOMPARE(disk.value(QLatin1String(TWPreferenceKey::applicationVersion)).toString(), QStringLiteral("1.4b3"));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap().value(QLatin1String(TWAppDefaultsKey::projectFilename)),
+                 QVariant(projectFilename));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)), legacy);
         QCOMPARE(disk.value(QLatin1String(TWWindowDefaultsKey::editorWindow)).toMap().value(QLatin1String(TWStateEntry::htmlText)).toString(),
                  QStringLiteral("<p>typed before quitting</p>"));
         QVERIFY(disk.value(QLatin1String(TWWindowDefaultsKey::templateWindow)).toMap().contains(QLatin1String(TWStateEntry::templateText)));

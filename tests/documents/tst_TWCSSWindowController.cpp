@@ -22,13 +22,6 @@ private:
     TWRecordingPreview viewer;
     QTemporaryDir dir;
 
-    TWCSSWindowController *relaunch()
-    {
-        delete TWCSSWindowController::sharedCSSController();
-        TWUserDefaults::resetStandardUserDefaults();
-        return TWCSSWindowController::sharedCSSController();
-    }
-
 private Q_SLOTS:
     void initTestCase()
     {
@@ -38,91 +31,71 @@ private Q_SLOTS:
         TWPreferences::sharedPref()->setReturnCode(2);
     }
 
-    void firstLaunchIsEmptyAndTypingNeverColoursNorRenders()
-    {
-        TWUserDefaults::standardUserDefaults()->removeObjectForKey(QLatin1String(TWWindowDefaultsKey::cssWindow));
-        TWCSSWindowController *window = relaunch();
-        QCOMPARE(window->textView()->string(), QString());
-        QCOMPARE(window->windowTitle(), QStringLiteral("CSS:> Untitled <"));
-        QVERIFY(!window->textView()->tagColoring());
-        const int renders = viewer.renderTimersFired + viewer.directRenderRequests;
-        QTest::keyClicks(window->textView(), QStringLiteral("p { color: red }"));
-        QCOMPARE(viewer.renderTimersFired + viewer.directRenderRequests, renders);
-        QCOMPARE(window->textView()->timerCount(), 0);
-        QCOMPARE(window->cssFilename(), QString());
-    }
-
-    void filesAndNew()
+    void filesTypingAndNew()
     {
         TWCSSWindowController *window = TWCSSWindowController::sharedCSSController();
-        const QString path = dir.filePath(QStringLiteral("site.CSS"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("body {\r\n}\r\n");
-        file.close();
-        const int renders = viewer.directRenderRequests;
-        QVERIFY(window->openCSSFile(path));
-        QCOMPARE(window->textView()->string(), QStringLiteral("body {\n}\n"));
-        QCOMPARE(window->windowTitle(), QStringLiteral("CSS:site.CSS"));
-        QCOMPARE(viewer.directRenderRequests, renders + 1);
+        QFile file(dir.filePath(QStringLiteral("site.CSS")));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("/* \xe6\x97\xa5 */\r\nbody {}\r\n") > 0 && file.flush());
+        const int renders = viewer.directRenderRequests + viewer.renderTimersFired;
+        QVERIFY(window->openCSSFile(file.fileName()));
+        QCOMPARE(window->textView()->string(), QString::fromUtf8("/* 日 */\nbody {}\n"));
+        QCOMPARE(viewer.directRenderRequests + viewer.renderTimersFired, renders + 1);
 
-        QString proposed;
-        QStringList offered;
-        const QString copy = dir.filePath(QStringLiteral("copy.css"));
-        TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &extensions) {
-            proposed = name;
-            offered = extensions;
-            return std::optional<QString>(copy);
+        QVERIFY(!window->textView()->tagColoring());
+        QTest::keyClicks(window->textView(), QStringLiteral("p { color: red }"));
+        QCOMPARE(viewer.directRenderRequests + viewer.renderTimersFired, renders + 1);
+
+        // Save As proposes the file's own name; the copy goes where that name leads.
+        TWPanels::setSavePanelHandler([this](const QString &name, const QStringList &) {
+            return std::optional(dir.filePath(QStringLiteral("copy of ") + name));
         });
         window->saveDocumentAs();
-        QCOMPARE(proposed, QStringLiteral("site.CSS"));
-        QCOMPARE(offered, QStringList{QStringLiteral("css")});
-        QFile saved(copy);
+        QFile saved(dir.filePath(QStringLiteral("copy of site.CSS")));
         QVERIFY(saved.open(QIODevice::ReadOnly));
-        QCOMPARE(saved.readAll(), QByteArray("body {\r\n}\r\n"));
-        QCOMPARE(window->cssFilename(), copy);
+        QCOMPARE(saved.readAll(), QByteArray("p { color: red }/* \xe6\x97\xa5 */\r\nbody {}\r\n"));
+        QCOMPARE(window->cssFilename(), saved.fileName());
 
         window->newDocument();
         QCOMPARE(window->textView()->string(), QString());
         QCOMPARE(window->cssFilename(), QString());
-        QCOMPARE(viewer.directRenderRequests, renders + 2);
+        QCOMPARE(viewer.directRenderRequests + viewer.renderTimersFired, renders + 2);
     }
 
+    // The window is hidden only when stored as "NO"; at a first launch it is empty.
     void stateComesBackAtNextLaunch_data()
     {
         QTest::addColumn<QVariant>("showWindow");
         QTest::addColumn<bool>("shown");
-        QTest::newRow("YES") << QVariant(QStringLiteral("YES")) << true;
+        QTest::newRow("first launch: empty, shown") << QVariant() << true;
         QTest::newRow("NO hides") << QVariant(QStringLiteral("NO")) << false;
         QTest::newRow("lower-case no shows") << QVariant(QStringLiteral("no")) << true;
-        QTest::newRow("absent shows") << QVariant() << true;
     }
 
     void stateComesBackAtNextLaunch()
     {
         QFETCH(QVariant, showWindow);
         QFETCH(bool, shown);
-        QVariantMap defaults;
-        defaults.insert(QLatin1String(TWStateEntry::cssText), QStringLiteral("h1 { margin: 0 }\n"));
-        defaults.insert(QLatin1String(TWStateEntry::cssFilename), QStringLiteral("/site/style.css"));
-        if (showWindow.isValid())
-            defaults.insert(QLatin1String(TWStateEntry::showWindow), showWindow);
-        TWUserDefaults::standardUserDefaults()->setObject(defaults, QLatin1String(TWWindowDefaultsKey::cssWindow));
-        TWUserDefaults::standardUserDefaults()->synchronize();
+        const bool stored = showWindow.isValid();
+        const QString text = stored ? QStringLiteral("h1 { margin: 0 }\n") : QString();
+        TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
+        store->removeObjectForKey(QLatin1String(TWWindowDefaultsKey::cssWindow));
+        if (stored)
+            store->setObject(QVariantMap{{QLatin1String(TWStateEntry::cssText), text},
+                                         {QLatin1String(TWStateEntry::cssFilename), QStringLiteral("/site/style.css")},
+                                         {QLatin1String(TWStateEntry::showWindow), showWindow}},
+                             QLatin1String(TWWindowDefaultsKey::cssWindow));
+        delete TWCSSWindowController::sharedCSSController();
+        TWUserDefaults::resetStandardUserDefaults();
 
-        TWCSSWindowController *window = relaunch();
-        QCOMPARE(window->textView()->string(), QStringLiteral("h1 { margin: 0 }\n"));
-        QCOMPARE(window->cssFilename(), QStringLiteral("/site/style.css"));
-        QCOMPARE(window->windowTitle(), QStringLiteral("CSS:style.css"));
+        TWCSSWindowController *window = TWCSSWindowController::sharedCSSController();
+        QCOMPARE(window->textView()->string(), text);
+        QCOMPARE(window->windowTitle(), stored ? QStringLiteral("CSS:style.css") : QStringLiteral("CSS:> Untitled <"));
         window->loadCSSAtAppLaunch();
         QCOMPARE(window->isVisible(), shown);
         window->saveWindowProperties();
-        const QVariantMap saved
-            = *TWUserDefaults::standardUserDefaults()->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::cssWindow));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::showWindow)).toString(),
-                 shown ? QStringLiteral("YES") : QStringLiteral("NO"));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::cssText)).toString(), QStringLiteral("h1 { margin: 0 }\n"));
-        window->hide();
+        const QVariantMap saved = *store->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::cssWindow));
+        QCOMPARE(saved.value(QLatin1String(TWStateEntry::showWindow)).toString(), shown ? QStringLiteral("YES") : QStringLiteral("NO"));
+        QCOMPARE(saved.value(QLatin1String(TWStateEntry::cssText)).toString(), text);
     }
 };
 

@@ -1,6 +1,5 @@
-// The tag library: the shipped and built-in sets, colouring lists, list operations, shortcut
-// keys, the text form kept in the preferences and in .tlib files, and a stored text that
-// cannot be read.
+// The tag library: the shipped and built-in sets, colouring, list operations, shortcut keys, the
+// text form kept in the preferences and in .tlib files, and stored texts that cannot be read.
 #include "taglib/TWHTMLTagLibrary.h"
 
 #include "platform/TWBeep.h"
@@ -23,31 +22,24 @@ QStringList tagNames(const TWHTMLTagLibrary &library)
 {
     QStringList names;
     for (const TWHTMLTagLibrary::Tag &tag : library.tagList())
-        names << (tag->isCommentTag() ? QStringLiteral("comment")
-                  : tag->isGenericTag() ? QStringLiteral("generic")
-                  : tag->isQuotation()  ? QStringLiteral("quotation")
-                                        : tag->tag());
+        names << (tag->isCommentTag() ? QStringLiteral("comment") : tag->isGenericTag() ? QStringLiteral("generic")
+                  : tag->isQuotation() ? QStringLiteral("quotation") : tag->tag());
     return names;
 }
 
 // A library holding just the built-in set.
 struct BuiltIn : TWHTMLTagLibrary
 {
-    BuiltIn()
-    {
-        loadFromPropertyListDictionary(QStringLiteral("()"));
-        setBuiltInTags();
-    }
+    BuiltIn() { loadFromPropertyListDictionary(QStringLiteral("()")); setBuiltInTags(); }
 };
 
-QString record(const QString &entries)
-{
-    return *TWOldStylePropertyList::write(QStringLiteral("{ %1 }").arg(entries));
-}
-
+// A library text: a list of records, each given by its entries.
 QString library(const QStringList &records)
 {
-    return QStringLiteral("(") + records.join(QLatin1String(", ")) + QStringLiteral(")");
+    QVariantList texts;
+    for (const QString &entries : records)
+        texts << QStringLiteral("{ %1 }").arg(entries);
+    return *TWOldStylePropertyList::write(texts);
 }
 
 } // namespace
@@ -71,61 +63,45 @@ private Q_SLOTS:
         QCOMPARE(tagNames(library).mid(0, 3), (QStringList{"comment", "generic", "quotation"}));
         QVERIFY2(library.numberOfTags() > 40, qPrintable(tagNames(library).join(u' ')));
         // Every record can be inserted and reached in the menus, and is coloured.
-        QSet<QString> titles, keys;
+        QSet<QString> titles;
         for (int index = 3; index < library.numberOfTags(); ++index) {
             const TWHTMLTag *tag = library.tagAtIndex(index);
-            QVERIFY2(tag->type() == 1 || tag->type() == 2, qPrintable(tag->title()));
-            QVERIFY2(tag->useSpecificColor(), qPrintable(tag->title()));
-            QVERIFY2(!titles.contains(tag->title()), qPrintable(tag->title()));
-            QVERIFY2(tag->firstTag().startsWith(u'<' + tag->tag()), qPrintable(tag->firstTag()));
-            if (tag->type() == 2)
-                QVERIFY2(tag->secondTag().startsWith(QStringLiteral("</") + tag->tag()), qPrintable(tag->secondTag()));
+            QVERIFY2((tag->type() == 1 || tag->type() == 2) && tag->useSpecificColor() && !titles.contains(tag->title())
+                         && tag->firstTag().startsWith(u'<' + tag->tag())
+                         && (tag->type() == 1 || tag->secondTag().startsWith(QStringLiteral("</") + tag->tag())),
+                     qPrintable(tag->title()));
             titles << tag->title();
-            keys << tag->shortcutKey();
         }
-        QVERIFY(keys.contains(QStringLiteral("p")));
         library.setUpTagColor();
-        // Common elements have colours of their own; unknown ones take the generic colour.
+        // Common elements have colours of their own.
         for (const char *name : {"p", "DIV", "table", "h", "form", "ul"})
             QVERIFY2(library.colorForTag(QString::fromLatin1(name)) != library.genericTagColor(), name);
-        QCOMPARE(library.colorForTag(QStringLiteral("blink")), library.genericTagColor());
     }
 
-    void builtInSetAndItsColours()
+    void colourOfEachName()
     {
         BuiltIn library;
-        QCOMPARE(tagNames(library), (QStringList{"comment", "generic", "quotation", "b", "i", "br", "img", "a"}));
-        library.setUpTagColor();
-        QCOMPARE(library.coloringTagList(), (QStringList{"!--", "br", "img", "a"}));
-        QCOMPARE(library.coloringColorList(),
-                 (QList<QColor>{QColor::fromRgbF(1, 0, 0), QColor::fromRgbF(0, 0, 1), QColor::fromRgbF(0, 1, 0),
-                                QColor::fromRgbF(0, 0, 1)}));
-        QCOMPARE(library.colorForTag(QStringLiteral("IMG")), QColor::fromRgbF(0, 1, 0));
-        QCOMPARE(library.colorForTag(QStringLiteral("table")), library.genericTagColor());
-        QCOMPARE(library.colorForTag(QString()), library.genericTagColor());
-        QCOMPARE(library.tagAtIndex(8), nullptr);
-    }
-
-    void firstRecordOfANameGivesItsColour()
-    {
-        BuiltIn library;
-        const auto add = [&library](const char *name, Qt::GlobalColor color) {
+        const QColor red = QColor::fromRgbF(1, 0, 0), green = QColor::fromRgbF(0, 1, 0), blue = QColor::fromRgbF(0, 0, 1);
+        for (const auto &[name, color] : {std::pair{"p", red}, std::pair{"P", blue}}) {
             TWHTMLTag *tag = library.tagAtIndex(library.addNewTag());
             tag->setTag(QString::fromLatin1(name));
             tag->setUseSpecificColor(true);
             tag->setTagColor(color);
-        };
-        add("p", Qt::red);
-        add("P", Qt::blue);
+        }
         library.setUpTagColor();
-        QCOMPARE(library.colorForTag(QStringLiteral("p")), QColor(Qt::red));
-        QCOMPARE(library.coloringTagList().mid(4), (QStringList{"p", "P"}));
+        // The comment and the records of a colour of their own are listed; the first record of a
+        // name gives its colour, whatever the case; other names take the generic colour.
+        QCOMPARE(library.coloringTagList(), (QStringList{"!--", "br", "img", "a", "p", "P"}));
+        QCOMPARE(library.coloringColorList(), (QList<QColor>{red, blue, green, blue, red, blue}));
+        QCOMPARE(library.colorForTag(QStringLiteral("P")), red);
+        for (const QString &name : {QStringLiteral("table"), QString()})
+            QCOMPARE(library.colorForTag(name), library.genericTagColor());
         const int generation = library.colorsGeneration();
         library.deleteTagAtIndex(8);
         library.setUpTagColor();
-        QCOMPARE(library.colorForTag(QStringLiteral("p")), QColor(Qt::blue));
+        QCOMPARE(library.colorForTag(QStringLiteral("p")), blue);
         QVERIFY(library.colorsGeneration() != generation);
-        // The generic colour reaches every name without one of its own.
+        // The generic colour reaches every name without one of its own, as it is now.
         library.genericTag()->setTagColor(Qt::magenta);
         QCOMPARE(library.colorForTag(QStringLiteral("table")), QColor(Qt::magenta));
     }
@@ -133,17 +109,15 @@ private Q_SLOTS:
     void duplicateAndDelete()
     {
         BuiltIn library;
-        library.tagAtIndex(4)->setShortcutKey(QStringLiteral("i"));
         QCOMPARE(library.duplicateTagAtIndex(4), 5);
         QCOMPARE(library.duplicateTagAtIndex(8), 9);
         QCOMPARE(tagNames(library), (QStringList{"comment", "generic", "quotation", "b", "i", "i", "br", "img", "a", "a"}));
-        QCOMPARE(library.tagAtIndex(5)->shortcutKey(), QString());
-        // The special tags can be neither duplicated nor deleted.
+        // The special tags can be neither duplicated nor deleted, nor can what is not there.
         QCOMPARE(library.duplicateTagAtIndex(0), -1);
-        library.deleteTagAtIndex(1);
-        QCOMPARE(TWBeepCount(), 2);
-        library.deleteTagAtIndex(9);
-        QCOMPARE(tagNames(library), (QStringList{"comment", "generic", "quotation", "b", "i", "i", "br", "img", "a"}));
+        for (const int index : {1, 10})
+            library.deleteTagAtIndex(index);
+        QCOMPARE(TWBeepCount(), 3);
+        QCOMPARE(library.numberOfTags(), 10);
     }
 
     void moveRows_data()
@@ -153,7 +127,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("order");
         QTest::newRow("two rows to the top") << QList<int>{1, 3} << 0 << QStringLiteral("BDACE");
         QTest::newRow("first two to the end") << QList<int>{0, 1} << 5 << QStringLiteral("CDEAB");
-        QTest::newRow("third above the first") << QList<int>{2} << 0 << QStringLiteral("CABDE");
         QTest::newRow("unsorted rows") << QList<int>{3, 0} << 5 << QStringLiteral("BCEAD");
         QTest::newRow("onto itself") << QList<int>{2} << 2 << QStringLiteral("ABCDE");
     }
@@ -164,25 +137,9 @@ private Q_SLOTS:
         QFETCH(int, target);
         QFETCH(QString, order);
         TWHTMLTagLibrary library;
-        QStringList records;
-        for (const QChar letter : QStringLiteral("ABCDE"))
-            records << record(QStringLiteral("type = 2; tag = %1;").arg(letter));
-        QVERIFY(library.loadFromPropertyListDictionary(::library(records)));
+        QVERIFY(library.loadFromPropertyListDictionary(::library({"tag = A;", "tag = B;", "tag = C;", "tag = D;", "tag = E;"})));
         library.moveRowsOfArray(rows, target);
         QCOMPARE(tagNames(library).join(QString()), order);
-    }
-
-    void shortcutKeys()
-    {
-        BuiltIn library;
-        TWHTMLTag *bold = library.tagAtIndex(3);
-        TWHTMLTag *italic = library.tagAtIndex(4);
-        bold->setShortcutKey(QStringLiteral("k"));
-        QVERIFY(library.isShortcutKey(QString(), italic));
-        QVERIFY(!library.isShortcutKey(QStringLiteral("k"), italic));
-        QVERIFY(!library.isShortcutKey(QStringLiteral("kx"), italic));
-        QVERIFY(library.isShortcutKey(QStringLiteral("k"), bold));
-        QVERIFY(library.isShortcutKey(QStringLiteral("K"), italic));
     }
 
     void textFormRoundTrip()
@@ -191,52 +148,49 @@ private Q_SLOTS:
         library.tagAtIndex(3)->setShortcutKey(QStringLiteral("b"));
         library.tagAtIndex(4)->setTitle(QString::fromUtf8("Kursiv «i» 日本"));
         library.tagAtIndex(5)->setIncludeInMenu(false);
-        TWHTMLTag *comment = library.commentTag();
         const QString text = library.propertyListString();
-        for (const QChar c : text)
-            QVERIFY2(c.unicode() < 0x80, "the library text is plain ASCII");
 
         // Read back, every record is the same (each is written with all ten keys), and the
         // special tags are the same instances.
         QVERIFY(library.loadFromPropertyListDictionary(text));
         QCOMPARE(library.propertyListString(), text);
-        QCOMPARE(library.tagAtIndex(0), comment);
+        QCOMPARE(library.tagAtIndex(0), library.commentTag());
         const QVariantList outer = TWOldStylePropertyList::read(text)->toList();
-        const QVariantMap bold = TWOldStylePropertyList::read(outer.at(3).toString())->toMap();
-        QCOMPARE(bold.size(), 10);
-        QCOMPARE(bold.value(QStringLiteral("tag color")).toByteArray(), QByteArray("\x00\x00\xff", 3));
+        const auto entries = [&outer](int index) { return TWOldStylePropertyList::read(outer.at(index).toString())->toMap(); };
+        QCOMPARE(entries(3).size(), 10);
+        QCOMPARE(entries(3).value(QStringLiteral("tag color")).toByteArray(), QByteArray("\x00\x00\xff", 3));
         // Comment, generic tag, quotation and a plain record are told apart by their type.
-        QStringList types;
-        for (int index = 0; index < 4; ++index)
-            types << TWOldStylePropertyList::read(outer.at(index).toString())->toMap().value(QStringLiteral("type")).toString();
-        QCOMPARE(types, (QStringList{"4", "3", "5", "2"}));
+        for (const auto &[index, type] : {std::pair{0, "4"}, std::pair{1, "3"}, std::pair{2, "5"}, std::pair{3, "2"}})
+            QCOMPARE(entries(index).value(QStringLiteral("type")).toString(), QString::fromLatin1(type));
     }
 
     void readingRules()
     {
         BuiltIn library;
         QVERIFY(library.loadFromPropertyListDictionary(::library(
-            {record(QStringLiteral("type = 4; \"first tag\" = \"[\"; name = Remark;")),
-             record(QStringLiteral("type = 2; tag = p; \"include in menu\" = yes; \"tag color\" = <ff8000>; "
-                                   "\"shortcut key\" = q;")),
-             record(QStringLiteral("type = 2; tag = div; \"shortcut key\" = q; \"include in menu\" = YES;")),
-             record(QStringLiteral("type = 7; tag = x;")),
-             record(QStringLiteral("type = \"1abc\"; tag = hr; \"tag color\" = <ff80>;"))})));
-        QCOMPARE(tagNames(library), (QStringList{"comment", "p", "div", "x", "hr"}));
+            {"type = 4; \"first tag\" = \"[\"; name = Remark;",
+             "type = 2; tag = p; \"include in menu\" = yes; \"tag color\" = <ff8000>; \"shortcut key\" = q;",
+             "type = 2; tag = div; \"shortcut key\" = q; \"include in menu\" = YES;", "type = 7; tag = x;",
+             "type = \"1abc\"; tag = hr; \"tag color\" = <ff80>;", "tag = em;", "type = 4; name = Twice;"})));
+        // A special tag given twice is listed once and takes both; its fixed parts stay, and the
+        // special tags left out of the text still exist, as they were.
+        QCOMPARE(tagNames(library), (QStringList{"comment", "p", "div", "x", "hr", "em"}));
+        QCOMPARE(library.commentTag()->name(), QStringLiteral("Twice"));
         QCOMPARE(library.commentTag()->firstTag(), QStringLiteral("<!-- "));
-        QCOMPARE(library.commentTag()->name(), QStringLiteral("Remark"));
-        QVERIFY(!library.tagAtIndex(1)->includeInMenu());
-        QCOMPARE(TWColorBytes::bytesFromColor(library.tagAtIndex(1)->tagColor(), false), QByteArray("\xff\x80\x00", 3));
-        QCOMPARE(library.tagAtIndex(1)->tagColor().greenF(), float(128 / 255.0));
-        QCOMPARE(library.tagAtIndex(1)->shortcutKey(), QStringLiteral("q"));
-        QCOMPARE(library.tagAtIndex(2)->shortcutKey(), QString());
-        QVERIFY(library.tagAtIndex(2)->includeInMenu());
-        QCOMPARE(library.tagAtIndex(3)->type(), 7);
-        QCOMPARE(library.tagAtIndex(4)->type(), 1);
-        // Colour data that is not three bytes leaves the colour as it was.
-        QCOMPARE(library.tagAtIndex(4)->tagColor(), QColor::fromRgbF(0, 0, 0));
-        // The special tags left out of the text still exist, as they were.
         QCOMPARE(library.genericTag()->firstTag(), QStringLiteral("<>"));
+        const TWHTMLTag *p = library.tagAtIndex(1), *div = library.tagAtIndex(2), *hr = library.tagAtIndex(4);
+        // Only "YES" is yes. Of two records with one key, the first keeps it. A key is free when
+        // there is none, when it is the record's own, or in another case; the first character counts.
+        QVERIFY(!p->includeInMenu() && div->includeInMenu());
+        QCOMPARE((QStringList{p->shortcutKey(), div->shortcutKey()}), (QStringList{"q", ""}));
+        const auto free = [&library](const char *key, auto *tag) { return library.isShortcutKey(QString::fromLatin1(key), tag); };
+        QCOMPARE((QList<bool>{free("", div), free("q", p), free("Q", div), free("q", div), free("qx", div)}),
+                 (QList<bool>{true, true, true, false, false}));
+        QCOMPARE(TWColorBytes::bytesFromColor(p->tagColor(), false), QByteArray("\xff\x80\x00", 3));
+        // Colour data that is not three bytes leaves the colour as it was.
+        QCOMPARE(hr->tagColor(), QColor::fromRgbF(0, 0, 0));
+        // The type is the number the text starts with; a record without one is paired.
+        QCOMPARE((QList<int>{library.tagAtIndex(3)->type(), hr->type(), library.tagAtIndex(5)->type()}), (QList<int>{7, 1, 2}));
     }
 
     void unreadableTextsLoseNothing_data()
@@ -245,11 +199,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("reason"); // part of the reason given; none when the text is read
         QTest::newRow("syntax error") << QStringLiteral("(\n\"{type = 2;}\",\n\"{tag = \u00e9m") << QStringLiteral("line 3");
         QTest::newRow("a dictionary, not a list") << QStringLiteral("{ \"\u00dcberschrift\" = h1; }") << QStringLiteral("not a list");
-        QTest::newRow("element not a dictionary text")
-            << library({record(QStringLiteral("type = 2;")), QStringLiteral("\"(1, 2)\"")}) << QStringLiteral("record 2");
+        QTest::newRow("element not a dictionary text") << QStringLiteral("(\"{type = 2;}\", \"(1, 2)\")") << QStringLiteral("record 2");
         QTest::newRow("element not text") << QStringLiteral("((a, b))") << QStringLiteral("record 1");
-        QTest::newRow("empty text") << QString() << QStringLiteral("line 1");
-        QTest::newRow("readable") << library({record(QStringLiteral("type = 2; tag = \"\u00e9m\";"))}) << QString();
+        QTest::newRow("readable") << library({QStringLiteral("type = 2; tag = \"\u00e9m\";")}) << QString();
     }
 
     void unreadableTextsLoseNothing()
@@ -261,8 +213,7 @@ private Q_SLOTS:
         BuiltIn built;
         const QString before = built.propertyListString();
         QCOMPARE(built.loadFromPropertyListDictionary(text), readable);
-        if (!readable)
-            QCOMPARE(built.propertyListString(), before);
+        QCOMPARE(built.propertyListString() == before, !readable);
 
         // Found in the store at a start, it gives the library, or else the shipped set stands
         // in and the user's text waits, whole, in the data folder.
@@ -273,32 +224,16 @@ private Q_SLOTS:
         delete TWPreferences::sharedPref();
         const TWHTMLTagLibrary library;
         QCOMPARE(library.propertyListString(), readable ? built.propertyListString() : shipped);
-        const QStringList kept = folder.entryList(QDir::Files);
+        const QStringList kept = folder.entryList({QStringLiteral("Unreadable Tag Library *.tlib")}, QDir::Files);
         QCOMPARE(kept.size(), readable ? 0 : 1);
-        if (readable) {
-            QCOMPARE(library.setAsideFileName(), QString());
+        QCOMPARE(library.setAsideFileName(), readable ? QString() : folder.filePath(kept.first()));
+        if (readable)
             return;
-        }
         QVERIFY2(library.setAsideReason().contains(reason), qPrintable(library.setAsideReason()));
-        QCOMPARE(library.setAsideFileName(), folder.filePath(kept.first()));
-        QVERIFY2(kept.first().startsWith(QLatin1String("Unreadable Tag Library ")) && kept.first().endsWith(QLatin1String(".tlib")),
-                 qPrintable(kept.first()));
         QFile file(library.setAsideFileName());
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), text.toUtf8());
     }
-
-    void recordWithoutTypeIsAPlainPairedRecord()
-    {
-        TWHTMLTagLibrary library;
-        QVERIFY(library.loadFromPropertyListDictionary(
-            ::library({record(QStringLiteral("tag = em; \"first tag\" = \"<em>\";")), record(QStringLiteral("type = 4;")),
-                     record(QStringLiteral("type = 4; name = Twice;"))})));
-        QCOMPARE(tagNames(library), (QStringList{"em", "comment"}));
-        QCOMPARE(library.tagAtIndex(0)->type(), 2);
-        QCOMPARE(library.commentTag()->name(), QStringLiteral("Twice"));
-    }
-
 };
 
 QTEST_MAIN(tst_TWHTMLTagLibrary)
