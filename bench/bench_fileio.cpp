@@ -2,13 +2,16 @@
 // that the peak memory printed belongs to that operation alone.
 //   bench_fileio open <file> <encoding code>
 //   bench_fileio save <file> <encoding code> <output file>
+//   bench_fileio bare <file> <any>: the yardstick, a UTF-8 file read into a bare QPlainTextEdit
 #include "editor/TWEditorTextView.h"
 #include "editor/TWTextFile.h"
 #include "preferences/TWPreferences.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
+#include <QPlainTextEdit>
 
 #include <cstdio>
 #include <sys/resource.h>
@@ -35,6 +38,22 @@ int main(int argc, char **argv)
     const int encoding = args.at(3).toInt();
     TWPreferences::sharedPref()->setTextEncoding(encoding);
     TWPreferences::sharedPref()->setReturnCode(TWReturnCode::lf);
+
+    if (mode == QLatin1String("bare")) {
+        QPlainTextEdit bare;
+        bare.resize(800, 900);
+        bare.show();
+        QApplication::processEvents();
+        QElapsedTimer timer;
+        timer.start();
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return 1;
+        bare.setPlainText(QString::fromUtf8(file.readAll()));
+        QApplication::processEvents();
+        std::printf("open %.1f ms  peak %.0f MB\n", timer.nsecsElapsed() / 1e6, peakKilobytes() / 1024.0);
+        return 0;
+    }
 
     TWEditorTextView view;
     view.resize(800, 900);

@@ -59,7 +59,8 @@ struct StallMeter
 };
 
 // Keys typed at a steady pace, each measured from the moment it was due (one interval after the
-// key before it) to the moment the view has painted it, so that any wait for other work counts.
+// one before was due) to the moment the view has painted it, so that any wait for other work
+// counts.
 Figures typeSteadily(TWEditorTextView *view)
 {
     std::vector<double> samples;
@@ -76,7 +77,8 @@ Figures typeSteadily(TWEditorTextView *view)
         view->viewport()->repaint();
         const qint64 now = clock.nsecsElapsed();
         samples.push_back((now - due) / 1e6);
-        due = now + qint64(keyIntervalMilliseconds) * 1000000;
+        // The ticker keeps its own pace: the next key is due one interval after this one was.
+        due += qint64(keyIntervalMilliseconds) * 1000000;
     });
     due = clock.nsecsElapsed() + qint64(keyIntervalMilliseconds) * 1000000;
     ticker.start(keyIntervalMilliseconds);

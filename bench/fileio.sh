@@ -17,6 +17,7 @@ iconv -c -f UTF-8 -t SHIFT_JIS "$PAGE" > "$WORK/sjis.html"
 
 median() { sort -n | awk '{a[NR]=$1} END {print (NR%2) ? a[(NR+1)/2] : (a[NR/2]+a[NR/2+1])/2}'; }
 
+LAST_MEDIAN=0
 measure() { # label, command... ; prints the median time and the largest peak
   local label=$1; shift
   local times=() peaks=() out
@@ -25,7 +26,8 @@ measure() { # label, command... ; prints the median time and the largest peak
     times+=("$(echo "$out" | awk '{print $2}')")
     peaks+=("$(echo "$out" | awk '{print $5}')")
   done
-  printf '%-34s median %7.1f ms   peak %5s MB\n' "$label" "$(printf '%s\n' "${times[@]}" | median)" \
+  LAST_MEDIAN=$(printf '%s\n' "${times[@]}" | median)
+  printf '%-34s median %7.1f ms   peak %5s MB\n' "$label" "$LAST_MEDIAN" \
     "$(printf '%s\n' "${peaks[@]}" | sort -n | tail -1)"
 }
 
@@ -45,7 +47,10 @@ iconv_measure() { # label, from, to, file
 
 echo "file: $PAGE ($(stat -c %s "$PAGE") bytes; Shift_JIS copy $(stat -c %s "$WORK/sjis.html") bytes)"
 echo "targets: open and save each < 250 ms; peak memory < 20x the file size ($(( $(stat -c %s "$PAGE") * 20 / 1048576 )) MB)"
+measure "bare QPlainTextEdit open (yardstick)" "$BUILD/bench/bench_fileio" bare "$WORK/utf8.html" 3
+BARE=$LAST_MEDIAN
 measure "open UTF-8 (read, decode, view)" "$BUILD/bench/bench_fileio" open "$WORK/utf8.html" 3
+echo "  ratio to the yardstick: $(awk -v a="$LAST_MEDIAN" -v b="$BARE" 'BEGIN {printf "%.2f", a / b}')"
 measure "save UTF-8 (convert, encode, write)" "$BUILD/bench/bench_fileio" save "$WORK/utf8.html" 3 "$WORK/out.html"
 measure "open Shift_JIS" "$BUILD/bench/bench_fileio" open "$WORK/sjis.html" 0
 measure "save Shift_JIS" "$BUILD/bench/bench_fileio" save "$WORK/sjis.html" 0 "$WORK/out.html"
