@@ -275,7 +275,7 @@ void TWRecoveryCopy::beginWrite()
         return; // the end of this write looks again
     for (int document = 0; document < documents.size(); ++document) {
         if (documents.at(document).dirty)
-            jobs << Job{document};
+            jobs << Job(document);
     }
     if (!jobs.isEmpty() && !sliceScheduled) {
         sliceScheduled = true;

@@ -55,9 +55,8 @@ public:
     static constexpr qint64 sliceBytes = 1 << 18;
 
 private:
-    // One document's file in the copy: its name, and what it holds when it is written.
-    // One document's file in the copy: its name, and where its file name and text come from:
-    // a text document, read in pieces, or (for the small template) a text made at once.
+    // One document of the copy: the name its files go by, and where its file name and text
+    // come from: a text document, read in pieces, or (for the small template) a text made at once.
     struct Document
     {
         const char *fileName;
@@ -70,7 +69,9 @@ private:
     };
     struct Job
     {
+        explicit Job(int document) : document(document) {}
         int document;
+        // Which of the document's two files this write goes over.
         int slot = 0;
         // The text taken so far: always the start of the document as it is now.
         QString text;

@@ -46,7 +46,6 @@ public:
     TWMessageBar *messageBar() const;
     void saveWindowProperties() const;
 
-
 Q_SIGNALS:
     // The document now belongs to another file (or to none).
     void cssFilenameChanged();

@@ -68,7 +68,6 @@ public:
     void topTextDidChange();
     void bottomTextDidChange();
 
-
 Q_SIGNALS:
     // The document now belongs to another file (or to none).
     void templateFilenameChanged();

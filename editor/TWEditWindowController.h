@@ -63,7 +63,6 @@ public:
     // The window title for a file name ("" for a document without a file).
     static QString titleForFilename(const QString &path);
 
-
 Q_SIGNALS:
     // The document now belongs to another file (or to none).
     void htmlFilenameChanged();

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QList>
 
 namespace {
 
@@ -20,9 +21,9 @@ QString tr(const char *text)
     return QCoreApplication::translate("TWOpenFailureMessage", text);
 }
 
-} // namespace
-
-QList<int> TWOpenFailureMessage::encodingsThatDecode(const QByteArray &bytes, int tried)
+// The encodings other than the one tried in which the bytes decode strictly, most likely
+// first. Compared by name: any unknown code means Shift_JIS.
+QList<int> encodingsThatDecode(const QByteArray &bytes, int tried)
 {
     QList<int> encodings;
     for (int encoding : likelyOrder) {
@@ -32,6 +33,8 @@ QList<int> TWOpenFailureMessage::encodingsThatDecode(const QByteArray &bytes, in
     }
     return encodings;
 }
+
+} // namespace
 
 void TWOpenFailureMessage::show(TWMessageBar *bar, const QString &path, int tried, const std::function<void()> &reopen)
 {

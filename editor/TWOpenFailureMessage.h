@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
 #include <QString>
 
 #include <functional>
@@ -13,9 +11,6 @@ class TWMessageBar;
 class TWOpenFailureMessage
 {
 public:
-    // The encodings other than `tried` in which the bytes decode strictly, most likely first.
-    static QList<int> encodingsThatDecode(const QByteArray &bytes, int tried);
-
     // Shows the message for `path` after it failed to open in the encoding `tried`. Choosing
     // an offered encoding makes it the preferred one and calls `reopen`.
     static void show(TWMessageBar *bar, const QString &path, int tried, const std::function<void()> &reopen);

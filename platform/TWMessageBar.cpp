@@ -64,33 +64,14 @@ QString TWMessageBar::text() const
     return isHidden() ? QString() : label->text();
 }
 
-QStringList TWMessageBar::actionTitles() const
-{
-    QStringList titles;
-    for (int i = 0; i < actions->count(); ++i) {
-        if (auto *button = qobject_cast<QPushButton *>(actions->itemAt(i)->widget()))
-            titles << button->text();
-    }
-    return titles;
-}
-
-bool TWMessageBar::trigger(const QString &title)
-{
-    for (int i = 0; i < actions->count(); ++i) {
-        auto *button = qobject_cast<QPushButton *>(actions->itemAt(i)->widget());
-        if (button && button->text() == title) {
-            button->click();
-            return true;
-        }
-    }
-    return false;
-}
-
 void TWMessageBar::clearActions()
 {
     while (QLayoutItem *item = actions->takeAt(0)) {
-        if (QWidget *widget = item->widget())
+        if (QWidget *widget = item->widget()) {
+            // The button may be the one being clicked: it leaves the bar now and goes later.
+            widget->setParent(nullptr);
             widget->deleteLater();
+        }
         delete item;
     }
 }

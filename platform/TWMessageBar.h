@@ -22,10 +22,8 @@ public:
     void addAction(const QString &title, std::function<void()> handler);
     void dismiss();
 
+    // The message shown, or "" when the bar is closed.
     QString text() const;
-    QStringList actionTitles() const;
-    // Chooses the action with that title, as a click would (tests); false when there is none.
-    bool trigger(const QString &title);
 
 private:
     void clearActions();

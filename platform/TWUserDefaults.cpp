@@ -24,13 +24,21 @@ constexpr char setAsideStampFormat[] = "yyyyMMdd-hhmmss";
 constexpr char unsavedStateName[] = "Unsaved Session.plist";
 constexpr char unsavedStateTemporaryFormat[] = "Tagwright-%1-Unsaved Session.plist";
 
+// The entries of a store's text; nothing when it is not a property list of a dictionary.
+std::optional<QVariantMap> entriesOf(const QByteArray &document)
+{
+    const std::optional<QVariant> root = TWXMLPropertyList::read(document);
+    if (!root || root->typeId() != QMetaType::QVariantMap)
+        return std::nullopt;
+    return root->toMap();
+}
+
 bool readStore(QIODevice &device, QSettings::SettingsMap &map)
 {
-    const std::optional<QVariant> root = TWXMLPropertyList::read(device.readAll());
-    if (!root || root->typeId() != QMetaType::QVariantMap)
+    const std::optional<QVariantMap> entries = entriesOf(device.readAll());
+    if (!entries)
         return false;
-    const QVariantMap entries = root->toMap();
-    for (auto it = entries.cbegin(); it != entries.cend(); ++it)
+    for (auto it = entries->cbegin(); it != entries->cend(); ++it)
         map.insert(it.key(), it.value());
     return true;
 }
@@ -57,21 +65,25 @@ std::unique_ptr<TWUserDefaults> &standardStore()
     return store;
 }
 
-// A store file that is not a property list would be overwritten by the next save; it is
-// moved aside instead, so that whatever it holds can still be recovered by hand.
-QString setAsideIfUnreadable(const QString &path)
+// Moves a file that cannot be read out of the way, under a name nothing looks for, so that
+// whatever it holds can still be recovered by hand; answers the new name, or "".
+QString setAside(const QString &path)
 {
-    QFile file(path);
-    if (!file.exists() || file.size() == 0 || !file.open(QIODevice::ReadOnly))
-        return {};
-    const std::optional<QVariant> root = TWXMLPropertyList::read(file.readAll());
-    file.close();
-    if (root && root->typeId() == QMetaType::QVariantMap)
-        return {};
     const QString aside = path
         + QString::fromLatin1(setAsideSuffixFormat)
               .arg(QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat)));
-    if (!QFile::rename(path, aside))
+    return QFile::rename(path, aside) ? aside : QString();
+}
+
+// A store file that is not a property list would be overwritten by the next save.
+QString setAsideIfUnreadable(const QString &path)
+{
+    QFile file(path);
+    if (!file.exists() || file.size() == 0 || !file.open(QIODevice::ReadOnly) || entriesOf(file.readAll()))
+        return {};
+    file.close();
+    const QString aside = setAside(path);
+    if (aside.isEmpty())
         return {};
     qWarning("The preferences file %s could not be read; it was kept as %s and the defaults are used.",
              qPrintable(path), qPrintable(aside));
@@ -141,22 +153,16 @@ void TWUserDefaults::takeBackUnsavedState()
         QFile file(path);
         if (!file.exists() || !file.open(QIODevice::ReadOnly))
             continue;
-        const std::optional<QVariant> root = TWXMLPropertyList::read(file.readAll());
+        const std::optional<QVariantMap> entries = entriesOf(file.readAll());
         file.close();
-        if (!root || root->typeId() != QMetaType::QVariantMap) {
-            // Not ours to read: kept, under a name that is never looked for again.
-            const QString aside = path
-                + QString::fromLatin1(setAsideSuffixFormat)
-                      .arg(QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat)));
-            QFile::rename(path, aside);
+        if (!entries) {
             std::fprintf(stderr, "The unsaved session %s could not be read; it was kept as %s.\n", qPrintable(path),
-                         qPrintable(aside));
+                         qPrintable(setAside(path)));
             continue;
         }
         // It is the whole state of a later session than the store's.
         settings->clear();
-        const QVariantMap entries = root->toMap();
-        for (auto it = entries.cbegin(); it != entries.cend(); ++it)
+        for (auto it = entries->cbegin(); it != entries->cend(); ++it)
             settings->setValue(it.key(), it.value());
         restoredFile = path;
         // Once the store holds it, the file has done its work; if the store still cannot be

@@ -35,8 +35,6 @@ public:
     // Writes pending changes to disk. Answers false when the file could not be written; the
     // file then keeps what it held.
     bool synchronize();
-    // Everything the store holds now.
-    QVariantMap dictionaryRepresentation() const;
     // When the store itself cannot be written: writes everything it holds to a file of its own
     // (in the data folder, else the temporary folder), which the next opening of the store takes
     // back. Answers that file's path, or "" when it could not be written anywhere either.
@@ -52,6 +50,8 @@ public:
 private:
     TWUserDefaults();
     void open();
+    // Everything the store holds now.
+    QVariantMap dictionaryRepresentation() const;
     static QStringList unsavedStateFileNames();
     void takeBackUnsavedState();
 

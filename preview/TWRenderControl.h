@@ -6,9 +6,9 @@
 
 // When the preview renders by itself. A render request is honoured only when no render timer
 // is pending, auto-rendering is on and the application is no longer launching; a timer is not
-// even started while launching. Suspended
-// renders are counted, never cancelled: each change starts one more timer, and only the
-// firing that finds no other timer pending renders, one suspension time after a burst.
+// even started while launching. Suspended renders are counted, never cancelled: each change
+// starts one more timer, and only the firing that finds no other timer pending renders, one
+// suspension time after a burst.
 class TWRenderControl : public QObject
 {
     Q_OBJECT

@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QPushButton>
 #include <QTest>
 
 namespace {
@@ -112,7 +113,11 @@ private Q_SLOTS:
         // The message names the file and the encoding, and offers those the file reads in.
         TWMessageBar *bar = window->messageBar();
         QVERIFY2(bar->text().contains(name) && bar->text().contains(said), qPrintable(bar->text()));
-        QCOMPARE(bar->actionTitles(), offered);
+        const QList<QPushButton *> buttons = bar->findChildren<QPushButton *>();
+        QStringList titles;
+        for (const QPushButton *button : buttons)
+            titles << button->text();
+        QCOMPARE(titles, offered);
         if (offered.isEmpty()) {
             // It goes at the next new document, which clears the text, name and base URL.
             window->newDocument();
@@ -124,7 +129,7 @@ private Q_SLOTS:
         }
         // Opening in the offered encoding makes it the preferred one, and opens as any open.
         const int renders = viewer.directRenderRequests;
-        QVERIFY(bar->trigger(offered.last()));
+        buttons.last()->click();
         QCOMPARE(window->windowTitle(), QStringLiteral("HTML:") + name);
         QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
         QCOMPARE(viewer.directRenderRequests, renders + 1);
