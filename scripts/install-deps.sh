@@ -7,7 +7,7 @@ packages=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
   qt6-webengine-dev qt6-webengine-dev-tools libqt6webenginecore6-bin
-  qt6-qpa-plugins libgl-dev libvulkan-dev libxkbcommon-dev libxcb1-dev
+  libicu-dev qt6-qpa-plugins libgl-dev libvulkan-dev libxkbcommon-dev libxcb1-dev
   fonts-dejavu-core fonts-ipafont-gothic
   xvfb xauth xdotool x11-utils imagemagick time
 )
