@@ -6,7 +6,7 @@
 #include "app/TWWindowState.h"
 #include "documents/TWTemplateText.h"
 #include "editor/TWOpenFailureMessage.h"
-#include "editor/TWSharedUndoHistory.h"
+#include "editor/TWUndoHistory.h"
 #include "editor/TWTemplateTextView.h"
 #include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
@@ -58,10 +58,10 @@ TWTemplateWindowController::TWTemplateWindowController()
     topTemplateTextView = ui->topTemplateTextView;
     bottomTemplateTextView = ui->bottomTemplateTextView;
     lastActiveHalf = topTemplateTextView;
-    undoHistoryValue = new TWSharedUndoHistory(this);
+    undoHistoryValue = new TWUndoHistory(this);
     for (TWTemplateTextView *half : {topTemplateTextView, bottomTemplateTextView}) {
         undoHistoryValue->follow(half->document());
-        half->setSharedUndoStack(undoHistoryValue);
+        half->setUndoHistory(undoHistoryValue);
     }
     TWAppDelegate::sharedAppDelegate()->populateMenuBar(menuBar());
     connect(qApp, &QApplication::focusChanged, this,
@@ -70,6 +70,11 @@ TWTemplateWindowController::TWTemplateWindowController()
     connect(topTemplateTextView, &TWEditorTextView::userEdited, this, &TWTemplateWindowController::topTextDidChange);
     connect(bottomTemplateTextView, &TWEditorTextView::userEdited, this,
             &TWTemplateWindowController::bottomTextDidChange);
+    // Replace All and its undo change the halves without typing; the page must follow.
+    connect(topTemplateTextView, &TWEditorTextView::textReplaced, this,
+            [this] { topTemplateTextValue = topTemplateTextView->string(); });
+    connect(bottomTemplateTextView, &TWEditorTextView::textReplaced, this,
+            [this] { bottomTemplateTextValue = bottomTemplateTextView->string(); });
 }
 
 TWTemplateWindowController::~TWTemplateWindowController()
@@ -118,6 +123,10 @@ void TWTemplateWindowController::rememberActiveHalf(QWidget *now)
 
 TWEditorTextView *TWTemplateWindowController::activeTextView() const
 {
+    // A search may have moved the focus into the other half while another window was active.
+    QWidget *focus = focusWidget();
+    if (focus == topTemplateTextView || focus == bottomTemplateTextView)
+        return static_cast<TWTemplateTextView *>(focus);
     return lastActiveHalf;
 }
 
@@ -134,8 +143,6 @@ void TWTemplateWindowController::loadTemplate(const QString &text)
     topTextDidChange();
     bottomTemplateTextView->setString(halves.bottom);
     bottomTextDidChange();
-    // Both documents started new histories; the shared one must not reach into the old ones.
-    undoHistoryValue->forgetSteps();
 }
 
 QString TWTemplateWindowController::getCombinedText() const

@@ -10,7 +10,7 @@ class TWMessageBar;
 namespace Ui {
 class TWTemplateWindow;
 }
-class TWSharedUndoHistory;
+class TWUndoHistory;
 class TWTemplateTextView;
 
 // The template window: the markup around the HTML, edited as a top half and a bottom half,
@@ -26,7 +26,7 @@ public:
     TWTemplateTextView *bottomTextView() const { return bottomTemplateTextView; }
     // The half the user works in (the one that had the keyboard focus last).
     TWEditorTextView *activeTextView() const override;
-    TWSharedUndoHistory *undoHistory() const { return undoHistoryValue; }
+    TWUndoHistory *undoHistory() const { return undoHistoryValue; }
 
     void loadTemplateAtAppLaunch();
     // Splits the text at the first divider into the two halves.
@@ -87,5 +87,5 @@ private:
     // "Show Window" as read from the window defaults at creation.
     bool showAtLaunch = true;
     TWTemplateTextView *lastActiveHalf;
-    TWSharedUndoHistory *undoHistoryValue;
+    TWUndoHistory *undoHistoryValue;
 };

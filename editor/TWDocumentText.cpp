@@ -29,9 +29,10 @@ QString TWDocumentText::toDocument(const QString &text)
     return result;
 }
 
-QString TWDocumentText::fromDocument(const QString &raw)
+QString TWDocumentText::fromDocument(QString raw)
 {
-    QString text = raw;
+    // In place: a long document's text is not copied once more.
+    QString text = std::move(raw);
     for (QChar &c : text) {
         switch (c.unicode()) {
         // A document's raw text separates its blocks with U+2029 (and never holds U+2028).

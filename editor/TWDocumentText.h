@@ -21,5 +21,5 @@ public:
     static QString toDocument(const QString &text);
     // What comes out of a document's raw text: its block breaks as LF, the stand-ins as the
     // separators they stand for.
-    static QString fromDocument(const QString &raw);
+    static QString fromDocument(QString raw);
 };

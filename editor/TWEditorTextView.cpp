@@ -5,10 +5,16 @@
 #include "app/TWFileExtensions.h"
 #include "editor/TWDocumentText.h"
 #include "editor/TWEditorTextLayout.h"
+#include "editor/TWReplaceAll.h"
+#include "editor/TWReplaceAllStep.h"
+#include "editor/TWStringSearch.h"
 #include "editor/TWTagHighlighter.h"
 #include "editor/TWTagScanner.h"
 #include "editor/TWTextFile.h"
+#include "editor/TWUndoHistory.h"
 #include "platform/TWBeep.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWTextKeys.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWPreview.h"
@@ -20,11 +26,11 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
 #include <QTextBlock>
 #include <QTimer>
-#include <QUndoStack>
 
 #include <cmath>
 
@@ -94,9 +100,15 @@ TWEditorTextView::TWEditorTextView(QWidget *parent)
     highlighter->commentColor = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorForTag(QLatin1String(commentName)); };
     highlighter->colorsGeneration = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorsGeneration(); };
     setEditorTextColor(editorTextColorValue);
+    history = new TWUndoHistory(this);
+    history->follow(document());
     // Only edits count as changes: loads go through setString, colours never touch the text.
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
-        if (!loadingText && (removed > 0 || added > 0))
+        if (removed == 0 && added == 0)
+            return;
+        searchableTextValid = false;
+        searchableTextValue.clear();
+        if (!loadingText)
             Q_EMIT userEdited();
     });
 }
@@ -254,6 +266,8 @@ void TWEditorTextView::setString(const QString &text)
     loadingText = true;
     setPlainText(TWDocumentText::toDocument(text));
     loadingText = false;
+    // The document's own history went with its old text.
+    history->clear();
 }
 
 TWRange TWEditorTextView::selectedRange() const
@@ -340,29 +354,30 @@ void TWEditorTextView::jumptoLineNumber(int lineNumber)
     setFocus(Qt::OtherFocusReason);
 }
 
+void TWEditorTextView::setUndoHistory(TWUndoHistory *shared)
+{
+    if (history->parent() == this)
+        delete history;
+    history = shared;
+}
+
 void TWEditorTextView::performUndo()
 {
-    if (sharedUndoStack)
-        sharedUndoStack->undo();
-    else
-        undo();
+    history->undo();
 }
 
 void TWEditorTextView::performRedo()
 {
-    if (sharedUndoStack)
-        sharedUndoStack->redo();
-    else
-        redo();
+    history->redo();
 }
 
 void TWEditorTextView::keyPressEvent(QKeyEvent *event)
 {
-    if (sharedUndoStack && event->matches(QKeySequence::Undo)) {
+    if (event->matches(QKeySequence::Undo)) {
         performUndo();
         return;
     }
-    if (sharedUndoStack && event->matches(QKeySequence::Redo)) {
+    if (event->matches(QKeySequence::Redo)) {
         performRedo();
         return;
     }
@@ -419,18 +434,16 @@ void TWEditorTextView::autoIndentAfterReturn()
 void TWEditorTextView::contextMenuEvent(QContextMenuEvent *event)
 {
     QMenu *menu = createStandardContextMenu(event->pos());
-    if (sharedUndoStack) {
-        // Undo and redo of a template half go through the window's shared history.
-        for (QAction *action : menu->actions()) {
-            if (action->objectName() == QLatin1String("edit-undo")) {
-                action->disconnect();
-                action->setEnabled(sharedUndoStack->canUndo());
-                connect(action, &QAction::triggered, this, &TWEditorTextView::performUndo);
-            } else if (action->objectName() == QLatin1String("edit-redo")) {
-                action->disconnect();
-                action->setEnabled(sharedUndoStack->canRedo());
-                connect(action, &QAction::triggered, this, &TWEditorTextView::performRedo);
-            }
+    // Undo and redo go through the view's history, which also holds Replace All.
+    for (QAction *action : menu->actions()) {
+        if (action->objectName() == QLatin1String("edit-undo")) {
+            action->disconnect();
+            action->setEnabled(history->canUndo());
+            connect(action, &QAction::triggered, this, &TWEditorTextView::performUndo);
+        } else if (action->objectName() == QLatin1String("edit-redo")) {
+            action->disconnect();
+            action->setEnabled(history->canRedo());
+            connect(action, &QAction::triggered, this, &TWEditorTextView::performRedo);
         }
     }
     menu->setAttribute(Qt::WA_DeleteOnClose);
@@ -584,4 +597,158 @@ QString TWEditorTextView::convertReturnCodeOfTextToLF(const QString &text)
 QString TWEditorTextView::convertReturnCodeOfText(const QString &text, int returnCode)
 {
     return TWTextFile::convertReturnCodeOfText(text, returnCode);
+}
+
+const QString &TWEditorTextView::searchableText() const
+{
+    if (!searchableTextValid) {
+        searchableTextValue = string();
+        searchableTextValid = true;
+    }
+    return searchableTextValue;
+}
+
+TWRange TWEditorTextView::searchPastSelection(QStringView text, const TWStringSearch &search, TWRange selection,
+                                              unsigned options)
+{
+    if (options & TWFindOption::searchUpward)
+        return search.find(text, {0, selection.location}, true);
+    return search.find(text, {selection.end(), text.size() - selection.end()}, false);
+}
+
+TWRange TWEditorTextView::searchWrappedAround(QStringView text, const TWStringSearch &search, TWRange selection,
+                                              qsizetype searchLength, unsigned options)
+{
+    if (options & TWFindOption::searchUpward)
+        return search.find(text, {selection.location, text.size() - selection.location}, true);
+    // Up to where an occurrence that starts at the selection's start ends, so that the
+    // selected occurrence itself is found again.
+    return search.find(text, {0, std::min(selection.location + searchLength, text.size())}, false);
+}
+
+void TWEditorTextView::showFoundRange(TWRange range)
+{
+    setSelectedRange(range);
+    ensureCursorVisible();
+}
+
+TWRange TWEditorTextView::findString(const QString &search, unsigned options)
+{
+    const QString &text = searchableText();
+    const TWStringSearch searching(search, options & TWFindOption::ignoreCase);
+    const TWRange selection = selectedRange();
+    TWRange found = searchPastSelection(text, searching, selection, options);
+    if (!found.found() && (options & TWFindOption::wrapAround))
+        found = searchWrappedAround(text, searching, selection, search.size(), options);
+    if (found.found())
+        showFoundRange(found);
+    return found;
+}
+
+TWRange TWEditorTextView::replaceString(const QString &search, const QString &replacement, unsigned options)
+{
+    if (!TWStringSearch::isEquivalent(selectedString(), search, options & TWFindOption::ignoreCase))
+        return {TWRange::notFound, 0};
+    const qsizetype start = selectedRange().location;
+    insertText(replacement);
+    const TWRange inserted{start, replacement.size()};
+    setSelectedRange(inserted);
+    renderIfAutorender();
+    return inserted;
+}
+
+void TWEditorTextView::doFindString(const QString &search, unsigned options)
+{
+    if (!findString(search, options).found())
+        TWBeep();
+}
+
+void TWEditorTextView::doReplaceString(const QString &search, const QString &replacement, unsigned options)
+{
+    if (!replaceString(search, replacement, options).found())
+        TWBeep();
+    colorText();
+}
+
+void TWEditorTextView::doReplaceAndFind(const QString &search, const QString &replacement, unsigned options)
+{
+    if (!replaceString(search, replacement, options).found() || !findString(search, options).found())
+        TWBeep();
+    colorText();
+}
+
+void TWEditorTextView::doReplaceAllString(const QString &search, const QString &replacement, unsigned options)
+{
+    const QString text = searchableText();
+    const TWStringSearch searching(search, options & TWFindOption::ignoreCase);
+    const TWReplaceAll::Result result
+        = TWReplaceAll::inOneText(text, selectedRange(), searching, replacement.size(), options);
+    if (result.count() > 0) {
+        const TWRange last{result.lastLocation(), replacement.size()};
+        auto *step = new TWReplaceAllStep(TWLocalizedString(TWTextKey::replaceAll), {this},
+                                          {this, {result.firstLocation(), replacement.size()}}, {this, last});
+        history->pushCombinedStep(step, [&] { replacePlaces(text, result.placesIn(TWReplaceAll::receiver), replacement); });
+        showFoundRange(last);
+        renderIfAutorender();
+    } else {
+        TWBeep();
+    }
+    colorText();
+    showReplaceAllCount(result.count());
+}
+
+void TWEditorTextView::replacePlaces(const QString &text, const QList<TWRange> &places, const QString &replacement)
+{
+    const QString inserted = TWDocumentText::toDocument(replacement);
+    loadingText = true;
+    QTextCursor cursor(document());
+    cursor.beginEditBlock();
+    // From the last place to the first, so that the places before stay where they were.
+    for (qsizetype last = places.size() - 1; last >= 0;) {
+        qsizetype first = last;
+        while (first > 0 && places[first].location - places[first - 1].end() < placesJoinedWithin)
+            --first;
+        QString region = inserted;
+        for (qsizetype place = first; place < last; ++place) {
+            region += TWDocumentText::toDocument(text.sliced(places[place].end(), places[place + 1].location - places[place].end()));
+            region += inserted;
+        }
+        cursor.setPosition(int(places[first].location));
+        cursor.setPosition(int(places[last].end()), QTextCursor::KeepAnchor);
+        if (region.isEmpty())
+            cursor.removeSelectedText();
+        else
+            cursor.insertText(region);
+        last = first - 1;
+    }
+    cursor.endEditBlock();
+    loadingText = false;
+    Q_EMIT textReplaced();
+}
+
+void TWEditorTextView::stepDocument(bool back)
+{
+    loadingText = true;
+    if (back)
+        document()->undo();
+    else
+        document()->redo();
+    loadingText = false;
+    Q_EMIT textReplaced();
+}
+
+void TWEditorTextView::showReplaceAllCount(qsizetype count)
+{
+    auto *report = new QMessageBox(QMessageBox::NoIcon, TWLocalizedString(TWTextKey::replaceAll),
+                                   TWLocalizedString(TWTextKey::xPlacesAreReplaced, int(count)), QMessageBox::Ok,
+                                   window());
+    report->setAttribute(Qt::WA_DeleteOnClose);
+    report->setWindowModality(Qt::WindowModal);
+    report->open();
+}
+
+void TWEditorTextView::renderIfAutorender()
+{
+    if (TWPreview *viewer = TWPreview::shared())
+        viewer->renderIfAutorender();
 }

@@ -5,9 +5,11 @@
 #include <QPlainTextEdit>
 #include <QString>
 
-class QUndoStack;
 class TWHTMLTag;
+class TWReplaceAllStep;
+class TWStringSearch;
 class TWTagHighlighter;
+class TWUndoHistory;
 
 // The editing view of every document window: a plain-text editor that defers colouring and
 // preview rendering until the user stops typing (by counting timers), indents new lines like
@@ -84,10 +86,29 @@ public:
     // last line means the end of the text), shows it and brings the window to the front.
     void jumptoLineNumber(int lineNumber);
 
-    // The two halves of the template share one undo history, kept by their window.
-    void setSharedUndoStack(QUndoStack *stack) { sharedUndoStack = stack; }
+    // Find and replace, as the find panel asks for them. `options` is the find options word
+    // (TWFindOption). findString selects and shows the match; replaceString replaces the
+    // selection when it holds the search text, as typing would, and selects the replacement.
+    virtual TWRange findString(const QString &search, unsigned options);
+    TWRange replaceString(const QString &search, const QString &replacement, unsigned options);
+    // The commands: they beep when there is nothing to find or replace.
+    virtual void doFindString(const QString &search, unsigned options);
+    virtual void doReplaceString(const QString &search, const QString &replacement, unsigned options);
+    virtual void doReplaceAndFind(const QString &search, const QString &replacement, unsigned options);
+    // Replaces every place from the selection on in the search direction (with wrap around,
+    // all of them) in one undoable step, and tells how many.
+    virtual void doReplaceAllString(const QString &search, const QString &replacement, unsigned options);
+
+    // Every view undoes through an undo history of its own; the two halves of the template
+    // share their window's.
+    TWUndoHistory *undoHistory() const { return history; }
+    void setUndoHistory(TWUndoHistory *shared);
     void performUndo();
     void performRedo();
+    // Takes back (or puts again) the document's own last edit, as a step of a Replace All.
+    void stepDocument(bool back);
+    // Selects a found or replaced range and scrolls it into view.
+    virtual void showFoundRange(TWRange range);
 
     // The file's text with LF line ends in the preferred encoding. When the file cannot be
     // read or decoded: a beep, and the view's current text comes back (*ok false).
@@ -105,6 +126,8 @@ public:
 Q_SIGNALS:
     // After each user edit of the text (not after a load by setString).
     void userEdited();
+    // After a Replace All (or its undo or redo) changed the text.
+    void textReplaced();
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -121,6 +144,25 @@ protected:
 
     // During a file drag, whether the insertion point is drawn to show where the drop goes.
     bool shouldDrawInsertionPoint() const;
+
+    // The text as string() gives it, kept until the next change, so that stepping through the
+    // matches of a long text does not copy it at every step.
+    const QString &searchableText() const;
+    // The two passes of a find: from the selection on in the search direction, and, with wrap
+    // around, from the other end up to and including the selection's start.
+    static TWRange searchPastSelection(QStringView text, const TWStringSearch &search, TWRange selection,
+                                       unsigned options);
+    static TWRange searchWrappedAround(QStringView text, const TWStringSearch &search, TWRange selection,
+                                       qsizetype searchLength, unsigned options);
+    // Puts the replacement at every place (sorted ranges of `text`, the view's text) as one
+    // edit of the document, without counting it as typing.
+    void replacePlaces(const QString &text, const QList<TWRange> &places, const QString &replacement);
+    // The window-modal report of a Replace All.
+    void showReplaceAllCount(qsizetype count);
+    static void renderIfAutorender();
+    // Beyond this many unchanged characters between two places, the places are changed
+    // one by one; closer places are changed together with the text between them.
+    static constexpr qsizetype placesJoinedWithin = 64;
 
 private:
     void colouringTimerFired();
@@ -147,6 +189,8 @@ private:
     int timerCountValue = 0;
     QColor editorTextColorValue;
     bool loadingText = false;
-    QUndoStack *sharedUndoStack = nullptr;
+    TWUndoHistory *history;
+    mutable QString searchableTextValue;
+    mutable bool searchableTextValid = false;
     TWTagHighlighter *highlighter;
 };

@@ -248,12 +248,18 @@ void TWTagHighlighter::documentChanged(int position, int removed, int added)
         return;
     // Until the next recolouring the edited line keeps its colours where its characters went,
     // new characters taking those of the character before them.
-    const QTextBlock last = view->document()->findBlock(position + added);
-    if (last == block)
+    QTextBlock last = view->document()->findBlock(position + added);
+    if (last == block && block.isValid()) {
         shiftFormatsForEdit(block, position - blockStart, removed, added);
-    else
-        for (QTextBlock b = block; b.isValid() && b.position() <= last.position(); b = b.next())
-            applyRuns(b, {});
+        return;
+    }
+    // Lines in between are new, or (a Replace All, an undo of one) recoloured right away; the
+    // work finds any whose colours are no longer right. Going through each of them here would
+    // cost as much as the change itself on a long text.
+    QTextBlock first = block;
+    applyRuns(first, {});
+    if (last.isValid())
+        applyRuns(last, {});
 }
 
 void TWTagHighlighter::shiftFormatsForEdit(const QTextBlock &constBlock, int offset, int removed, int added)

@@ -1,4 +1,4 @@
-#include "editor/TWSharedUndoHistory.h"
+#include "editor/TWUndoHistory.h"
 
 #include <QPointer>
 #include <QTextDocument>
@@ -39,22 +39,37 @@ private:
 
 } // namespace
 
-TWSharedUndoHistory::TWSharedUndoHistory(QObject *parent)
+TWUndoHistory::TWUndoHistory(QObject *parent)
     : QUndoStack(parent)
 {
 }
 
-void TWSharedUndoHistory::follow(QTextDocument *document)
+void TWUndoHistory::follow(QTextDocument *document)
 {
     documents << document;
     connect(document, &QTextDocument::undoCommandAdded, this, [this, document] {
+        if (combining)
+            return;
         push(new DocumentStep(document));
-        // A document merges a new insertion into its last undo step while it counts as
-        // modified. Once another document has taken a step, that would put two steps into
-        // one out of order: the others start afresh.
-        for (const QPointer<QTextDocument> &other : std::as_const(documents)) {
-            if (other && other != document)
-                other->setModified(false);
-        }
+        closeStepsExcept(document);
     });
+}
+
+void TWUndoHistory::closeStepsExcept(const QTextDocument *document)
+{
+    // A document merges a new insertion into its last undo step while it counts as modified.
+    // Once another step has been taken, that would put two steps into one out of order.
+    for (const QPointer<QTextDocument> &other : std::as_const(documents)) {
+        if (other && other != document)
+            other->setModified(false);
+    }
+}
+
+void TWUndoHistory::pushCombinedStep(QUndoCommand *step, const std::function<void()> &edits)
+{
+    combining = true;
+    edits();
+    combining = false;
+    closeStepsExcept(nullptr);
+    push(step);
 }

@@ -15,6 +15,11 @@ QString TWLocalizedString(const char *key)
     return QCoreApplication::translate(tableName, key);
 }
 
+QString TWLocalizedString(const char *key, int count)
+{
+    return QCoreApplication::translate(tableName, key, nullptr, count);
+}
+
 bool TWInstallTranslations(QCoreApplication *application)
 {
     // Translators installed later are asked first: English goes in first as the floor.

@@ -108,9 +108,12 @@
         <source>replaceAll</source>
         <translation>Replace All</translation>
     </message>
-    <message>
+    <message numerus="yes">
         <source>xPlacesAreReplaced</source>
-        <translation>%1 places were replaced.</translation>
+        <translation>
+            <numerusform>%n place was replaced.</numerusform>
+            <numerusform>%n places were replaced.</numerusform>
+        </translation>
     </message>
     <message>
         <source>ready</source>

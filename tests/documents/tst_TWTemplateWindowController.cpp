@@ -7,7 +7,7 @@
 #include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWTemplateText.h"
-#include "editor/TWSharedUndoHistory.h"
+#include "editor/TWUndoHistory.h"
 #include "editor/TWTemplateTextView.h"
 #include "platform/TWBeep.h"
 #include "platform/TWLocalization.h"

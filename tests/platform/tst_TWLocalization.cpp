@@ -21,8 +21,9 @@ private Q_SLOTS:
                 missing << QLatin1String(name);
         }
         QVERIFY2(missing.isEmpty(), qPrintable(missing.join(QLatin1String(", "))));
-        // The one text with a number in it keeps its place for the number.
-        QCOMPARE(TWLocalizedString(TWTextKey::xPlacesAreReplaced).arg(3), QStringLiteral("3 places were replaced."));
+        // The one text with a number in it says it in the form for the number.
+        QCOMPARE(TWLocalizedString(TWTextKey::xPlacesAreReplaced, 3), QStringLiteral("3 places were replaced."));
+        QCOMPARE(TWLocalizedString(TWTextKey::xPlacesAreReplaced, 1), QStringLiteral("1 place was replaced."));
         QCOMPARE(TWLocalizedString("noSuchKeyAnywhere"), QStringLiteral("noSuchKeyAnywhere"));
     }
 };
