@@ -10,6 +10,7 @@
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
 #include "editor/TWTemplateTextView.h"
+#include "panels/TWFindPanelController.h"
 #include "platform/TWPanels.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWWindowOrder.h"
@@ -161,6 +162,17 @@ void TWAppDelegate::createActions()
     autoIndentMenu->setCheckable(true);
     jumpToLineAction = make(tr("&Jump to Line..."), QKeySequence(Qt::CTRL | Qt::Key_L), &TWAppDelegate::askForLineNumber);
 
+    // The find commands work through the find panel, opened or not. Replace and Replace &
+    // Find sit beside F and G; Ctrl+Shift+G stays free for finding backwards.
+    const auto findPanel = [] { return TWFindPanelController::sharedFindPanel(); };
+    searchPanelAction = make(tr("&Find..."), QKeySequence(Qt::CTRL | Qt::Key_F), [findPanel] { findPanel()->openFindPanel(); });
+    findNextAction = make(tr("Find &Next"), QKeySequence(Qt::CTRL | Qt::Key_G), [findPanel] { findPanel()->doFind(); });
+    replaceAction = make(tr("&Replace"), QKeySequence(Qt::CTRL | Qt::Key_E), [findPanel] { findPanel()->doReplace(); });
+    replaceAndFindNextAction = make(tr("Replace && F&ind"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_E),
+                                    [findPanel] { findPanel()->doReplaceAndFind(); });
+    replaceAllAction = make(tr("Replace &All"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_H),
+                            [findPanel] { findPanel()->doReplaceAll(); });
+
     applyTemplateMenu = make(tr("Apply &Template"), QKeySequence(), &TWAppDelegate::toggleApplyTemplate);
     applyTemplateMenu->setCheckable(true);
 
@@ -226,6 +238,14 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     edit->addAction(autoIndentMenu);
     edit->addAction(tagColoringMenuItem);
     edit->addAction(jumpToLineAction);
+
+    QMenu *find = menuBar->addMenu(tr("Fin&d"));
+    find->addAction(searchPanelAction);
+    find->addAction(findNextAction);
+    find->addSeparator();
+    find->addAction(replaceAction);
+    find->addAction(replaceAndFindNextAction);
+    find->addAction(replaceAllAction);
 
     QMenu *insert = menuBar->addMenu(tr("&Insert"));
     insert->addMenu(singleTagMenu);

@@ -112,6 +112,11 @@ private:
     QAction *pasteAction = nullptr;
     QAction *selectAllAction = nullptr;
     QAction *jumpToLineAction = nullptr;
+    QAction *searchPanelAction = nullptr;
+    QAction *findNextAction = nullptr;
+    QAction *replaceAction = nullptr;
+    QAction *replaceAndFindNextAction = nullptr;
+    QAction *replaceAllAction = nullptr;
     QAction *showEditWindowAction = nullptr;
     QAction *showTemplateWindowAction = nullptr;
     QAction *showCSSWindowAction = nullptr;
