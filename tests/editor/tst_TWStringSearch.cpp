@@ -66,15 +66,10 @@ TWRange plainSearch(QStringView text, QStringView pattern, bool ignoreCase, bool
 // that fold alike (and one that folds to two letters), an Ångström sign, a ligature, a kana
 // with its voicing mark apart, a Hangul syllable and its letters, a surrogate pair and its
 // halves alone, and line breaks.
-const QStringList pieces = {
-    QStringLiteral("a"), QStringLiteral("A"), QStringLiteral("e"), QStringLiteral("\u00E9"),
-    QStringLiteral("e\u0301"), QStringLiteral("\u0301"), QStringLiteral("\u0323"), QStringLiteral("s"),
-    QStringLiteral("S"), QStringLiteral("\u00DF"), QStringLiteral("\u03A3"), QStringLiteral("\u03C3"),
-    QStringLiteral("\u03C2"), QStringLiteral("\u00C5"), QStringLiteral("\u212B"), QStringLiteral("A\u030A"),
-    QStringLiteral("\uFB03"), QStringLiteral("f"), QStringLiteral("\u304C"), QStringLiteral("\u304B\u3099"),
-    QStringLiteral("\uAC00"), QStringLiteral("\u1100\u1161"), QStringLiteral("\U0001D400"),
-    QStringLiteral("\xD835"), QStringLiteral("<"), QStringLiteral("\n"), QStringLiteral(" "),
-};
+const QStringList pieces = QStringLiteral("a|A|e|\u00E9|e\u0301|\u0301|\u0323|s|S|\u00DF|\u03A3|\u03C3|\u03C2|\u00C5|"
+                                          "\u212B|A\u030A|\uFB03|f|\u304C|\u304B\u3099|\uAC00|\u1100\u1161|"
+                                          "\U0001D400|<|\n| ").split(u'|')
+    + QStringList{QString(QChar(0xD835))};
 
 QString randomText(QRandomGenerator &random, int most)
 {
@@ -103,11 +98,9 @@ private Q_SLOTS:
         QTest::newRow("decomposed finds composed") << QStringLiteral("cafe\u0301!") << QStringLiteral("\u00E9") << 0u << qsizetype(3) << qsizetype(2);
         QTest::newRow("a letter is not found inside its accented form") << QStringLiteral("cafe\u0301") << QStringLiteral("e") << 0u << none << qsizetype(0);
         QTest::newRow("Angstrom sign is A with ring") << QStringLiteral("1\u212B") << QStringLiteral("\u00C5") << 0u << qsizetype(1) << qsizetype(1);
-        QTest::newRow("case matters by default") << QStringLiteral("\u00C4") << QStringLiteral("\u00E4") << 0u << none << qsizetype(0);
         QTest::newRow("ignore case: umlaut") << QStringLiteral("x\u00C4") << QStringLiteral("\u00E4") << TWFindOption::ignoreCase << qsizetype(1) << qsizetype(1);
         QTest::newRow("ignore case: final sigma") << QStringLiteral("\u03BB\u03CC\u03B3\u03BF\u03C2") << QStringLiteral("\u039F\u03A3") << TWFindOption::ignoreCase << qsizetype(3) << qsizetype(2);
         QTest::newRow("ignore case: sharp s is ss") << QStringLiteral("Stra\u00DFe") << QStringLiteral("SS") << TWFindOption::ignoreCase << qsizetype(4) << qsizetype(1);
-        QTest::newRow("upward finds the last") << QStringLiteral("abab") << QStringLiteral("ab") << TWFindOption::searchUpward << qsizetype(2) << qsizetype(2);
         QTest::newRow("longer than the text") << QStringLiteral("ab") << QStringLiteral("abc") << 0u << none << qsizetype(0);
         QTest::newRow("empty search text") << QStringLiteral("ab") << QString() << 0u << none << qsizetype(0);
     }
