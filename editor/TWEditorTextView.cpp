@@ -106,8 +106,7 @@ TWEditorTextView::TWEditorTextView(QWidget *parent)
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
         if (removed == 0 && added == 0)
             return;
-        searchableTextValid = false;
-        searchableTextValue.clear();
+        searchableTextValue.reset();
         if (!loadingText)
             Q_EMIT userEdited();
     });
@@ -601,11 +600,9 @@ QString TWEditorTextView::convertReturnCodeOfText(const QString &text, int retur
 
 const QString &TWEditorTextView::searchableText() const
 {
-    if (!searchableTextValid) {
+    if (!searchableTextValue)
         searchableTextValue = string();
-        searchableTextValid = true;
-    }
-    return searchableTextValue;
+    return *searchableTextValue;
 }
 
 TWRange TWEditorTextView::searchPastSelection(QStringView text, const TWStringSearch &search, TWRange selection,

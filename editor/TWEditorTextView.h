@@ -5,8 +5,9 @@
 #include <QPlainTextEdit>
 #include <QString>
 
+#include <optional>
+
 class TWHTMLTag;
-class TWReplaceAllStep;
 class TWStringSearch;
 class TWTagHighlighter;
 class TWUndoHistory;
@@ -190,7 +191,7 @@ private:
     QColor editorTextColorValue;
     bool loadingText = false;
     TWUndoHistory *history;
-    mutable QString searchableTextValue;
-    mutable bool searchableTextValid = false;
+    // Nothing until asked for after a change.
+    mutable std::optional<QString> searchableTextValue;
     TWTagHighlighter *highlighter;
 };
