@@ -3,6 +3,7 @@
 #include "app/TWDocumentWindow.h"
 #include "app/TWFileExtensions.h"
 #include "app/TWLineNumberDialog.h"
+#include "app/TWProjectFile.h"
 #include "app/TWRecoveryCopy.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWCSSWindowController.h"
@@ -16,6 +17,7 @@
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
 #include "preview/TWExternalBrowser.h"
+#include "preview/TWPageComposer.h"
 #include "preview/TWViewWindowController.h"
 #include "platform/TWBeep.h"
 #include "platform/TWLocalization.h"
@@ -120,6 +122,11 @@ void TWAppDelegate::createActions()
     };
     newAction = make(tr("&New"), QKeySequence::New, &TWAppDelegate::newDocument);
     openAction = make(tr("&Open..."), QKeySequence::Open, &TWAppDelegate::open);
+    newProjectAction = make(tr("New &Project"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), &TWAppDelegate::newProject);
+    saveProjectAsAction
+        = make(tr("Save P&roject As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P), &TWAppDelegate::saveProjectAs);
+    exportCombinedHTMLAction = make(tr("&Export Combined HTML As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_X),
+                                    &TWAppDelegate::exportCombinedHTMLAs);
     saveAction = make(tr("&Save"), QKeySequence::Save, &TWAppDelegate::saveDocument);
     saveAsAction = make(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), &TWAppDelegate::saveDocumentAs);
     insertFileLinkAction = make(tr("Insert &Link to File..."), QKeySequence(), &TWAppDelegate::insertFileLink);
@@ -215,10 +222,13 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
 {
     QMenu *file = menuBar->addMenu(tr("&File"));
     file->addAction(newAction);
+    file->addAction(newProjectAction);
     file->addAction(openAction);
     file->addSeparator();
     file->addAction(saveAction);
     file->addAction(saveAsAction);
+    file->addAction(saveProjectAsAction);
+    file->addAction(exportCombinedHTMLAction);
     file->addSeparator();
     file->addAction(insertFileLinkAction);
     file->addAction(insertImageAction);
@@ -368,12 +378,95 @@ void TWAppDelegate::saveAppProperties()
 
 bool TWAppDelegate::openFile(const QString &path)
 {
-    const QString extension = QFileInfo(path).suffix().toLower();
-    if (extension == QLatin1String(TWExtension::templateFile))
+    switch (TWFileKindOfPath(path)) {
+    case TWFileKind::project:
+        return openProjectFile(path);
+    case TWFileKind::templateFile:
         return TWTemplateWindowController::sharedTemplateController()->openTemplateFile(path);
-    if (extension == QLatin1String(TWExtension::css))
+    case TWFileKind::styleSheet:
         return TWCSSWindowController::sharedCSSController()->openCSSFile(path);
+    case TWFileKind::html:
+        break;
+    }
     return TWEditWindowController::sharedEditWindowController()->openHTMLFile(path);
+}
+
+void TWAppDelegate::newProject()
+{
+    TWViewWindowController *viewer = TWViewWindowController::sharedViewWindowController();
+    viewer->holdRenders();
+    TWEditWindowController::sharedEditWindowController()->clearHTML();
+    viewer->clearWithProject();
+    TWTemplateWindowController::sharedTemplateController()->clearTemplate();
+    TWCSSWindowController::sharedCSSController()->clearCSS();
+    viewer->releaseRenders();
+}
+
+bool TWAppDelegate::openProjectFile(const QString &path)
+{
+    QString why;
+    const std::optional<QVariantMap> project = TWProjectFile::read(path, &why);
+    TWEditWindowController *htmlWindow = TWEditWindowController::sharedEditWindowController();
+    const bool coversPage = TWProjectFile::windowEntry(project, TWProjectKey::editorWindow).has_value();
+    // The default page takes the place of the user's page: it is kept, to be brought back.
+    const QString previousPage = coversPage ? QString() : htmlWindow->getText();
+
+    TWViewWindowController *viewer = TWViewWindowController::sharedViewWindowController();
+    viewer->holdRenders();
+    htmlWindow->loadDataFromDictionary(project);
+    viewer->loadDataFromDictionary(project);
+    TWTemplateWindowController::sharedTemplateController()->loadDataFromDictionary(project);
+    TWCSSWindowController::sharedCSSController()->loadDataFromDictionary(project);
+    viewer->releaseRenders();
+
+    if (!coversPage) {
+        if (!project)
+            TWBeep();
+        else
+            why = tr("It holds no HTML page.");
+        TWMessageBar *bar = htmlWindow->messageBar();
+        bar->showMessage(tr("%1: %2 The HTML window shows the default page in place of yours.")
+                             .arg(QFileInfo(path).fileName(), why));
+        bar->addAction(tr("Bring Back My Page"), [htmlWindow, previousPage] { htmlWindow->loadHTML(previousPage); });
+    }
+    return true;
+}
+
+void TWAppDelegate::saveProjectAs()
+{
+    const QString proposed = projectFilenameValue.isEmpty() ? QString() : QFileInfo(projectFilenameValue).fileName();
+    const std::optional<QString> path
+        = TWPanels::runSavePanel(QApplication::activeWindow(), proposed, {QLatin1String(TWExtension::project)});
+    if (!path)
+        return;
+    saveProjectWithFilename(*path);
+    projectFilenameValue = *path;
+}
+
+void TWAppDelegate::saveProjectWithFilename(const QString &path)
+{
+    QVariantMap project;
+    TWEditWindowController::sharedEditWindowController()->saveDataToDictionary(project);
+    TWViewWindowController::sharedViewWindowController()->saveDataToDictionary(project);
+    TWTemplateWindowController::sharedTemplateController()->saveDataToDictionary(project);
+    TWCSSWindowController::sharedCSSController()->saveDataToDictionary(project);
+    if (!TWProjectFile::write(path, project))
+        TWBeep();
+}
+
+void TWAppDelegate::exportCombinedHTMLAs()
+{
+    const std::optional<QString> path = TWPanels::runSavePanel(
+        QApplication::activeWindow(), QString(), {QLatin1String(TWExtension::html), QLatin1String(TWExtension::htm)});
+    if (!path)
+        return;
+    // The page the viewer shows, less the base and the style sheet; a failed write beeps.
+    const TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
+    TWEditWindowController *htmlWindow = TWEditWindowController::sharedEditWindowController();
+    const QString page = TWPageComposer::combinedPage(
+        templateWindow->topTemplateText(), htmlWindow->getText(), templateWindow->bottomTemplateText(),
+        TWViewWindowController::sharedViewWindowController()->lineBreakValidation());
+    htmlWindow->textView()->saveText(page, *path);
 }
 
 void TWAppDelegate::setAutoIndentationMenu(bool flag)

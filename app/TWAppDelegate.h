@@ -37,6 +37,17 @@ public:
     // Routes a path by its extension, ignoring case, to the controller that opens its kind.
     bool openFile(const QString &path);
 
+    // Projects: a snapshot of the HTML, viewer, template and style-sheet windows in one file.
+    void newProject();
+    // Puts the project's snapshot back into the windows; always answers true. A file that is
+    // no project gives the HTML window the default page, and the other windows stay.
+    bool openProjectFile(const QString &path);
+    void saveProjectAs();
+    // A project that cannot be written beeps.
+    void saveProjectWithFilename(const QString &path);
+    // Template top half, HTML and bottom half as one page, in the preferred encoding and line end.
+    void exportCombinedHTMLAs();
+
     // Menu state.
     void setAutoIndentationMenu(bool flag);
     void setApplyTemplateMenuState(bool flag);
@@ -100,6 +111,9 @@ private:
 
     QAction *newAction = nullptr;
     QAction *openAction = nullptr;
+    QAction *newProjectAction = nullptr;
+    QAction *saveProjectAsAction = nullptr;
+    QAction *exportCombinedHTMLAction = nullptr;
     QAction *saveAction = nullptr;
     QAction *saveAsAction = nullptr;
     QAction *insertFileLinkAction = nullptr;

@@ -57,3 +57,12 @@ inline constexpr char record[] = "Tagwright App Defaults";
 inline constexpr char legacyRecord[] = "Tagwright Legacy App Defaults";
 inline constexpr char projectFilename[] = "Project Filename";
 } // namespace TWAppDefaultsKey
+
+// The root entries of a project file, one per document window; each holds the window's
+// entries above as strings.
+namespace TWProjectKey {
+inline constexpr char editorWindow[] = "Editor Window Save Data";
+inline constexpr char viewerWindow[] = "Viewer Window Save Data";
+inline constexpr char templateWindow[] = "Template Window Save Data";
+inline constexpr char cssWindow[] = "CSS Window Save Data";
+} // namespace TWProjectKey

@@ -22,14 +22,19 @@ namespace {
 // The exit status of a launch whose files the running instance did not take.
 constexpr int noAnswerStatus = 1;
 
-// The window that a file opens in, by the extension rule of the delegate's routing.
+// The window that a file opens in, by the delegate's routing; a project comes to the front
+// with its page.
 QWidget *windowForFile(const QString &path)
 {
-    const QString extension = QFileInfo(path).suffix().toLower();
-    if (extension == QLatin1String(TWExtension::templateFile))
+    switch (TWFileKindOfPath(path)) {
+    case TWFileKind::templateFile:
         return TWTemplateWindowController::sharedTemplateController();
-    if (extension == QLatin1String(TWExtension::css))
+    case TWFileKind::styleSheet:
         return TWCSSWindowController::sharedCSSController();
+    case TWFileKind::project:
+    case TWFileKind::html:
+        break;
+    }
     return TWEditWindowController::sharedEditWindowController();
 }
 

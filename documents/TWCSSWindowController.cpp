@@ -2,6 +2,7 @@
 
 #include "app/TWAppDelegate.h"
 #include "app/TWFileExtensions.h"
+#include "app/TWProjectFile.h"
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWEditorTextView.h"
@@ -177,12 +178,34 @@ void TWCSSWindowController::showWindow()
     TWWindowOrder::showWindow(this);
 }
 
+QVariantMap TWCSSWindowController::saveData() const
+{
+    QVariantMap data;
+    data.insert(QLatin1String(TWStateEntry::cssFilename), cssFilenameValue);
+    data.insert(QLatin1String(TWStateEntry::cssText), cssTextView->string());
+    return data;
+}
+
+void TWCSSWindowController::saveDataToDictionary(QVariantMap &project) const
+{
+    project.insert(QLatin1String(TWProjectKey::cssWindow), saveData());
+}
+
+void TWCSSWindowController::loadDataFromDictionary(const std::optional<QVariantMap> &project)
+{
+    const std::optional<QVariantMap> data = TWProjectFile::windowEntry(project, TWProjectKey::cssWindow);
+    if (!data)
+        return;
+    if (const std::optional<QString> name = TWWindowState::stringEntry(*data, TWStateEntry::cssFilename))
+        setCSSFilename(*name);
+    if (const std::optional<QString> text = TWWindowState::stringEntry(*data, TWStateEntry::cssText))
+        loadCSS(*text);
+}
+
 void TWCSSWindowController::saveWindowProperties() const
 {
     TWWindowState::saveFrameUsingName(this, TWFrameName::cssWindow);
-    QVariantMap defaults;
-    defaults.insert(QLatin1String(TWStateEntry::cssFilename), cssFilenameValue);
-    defaults.insert(QLatin1String(TWStateEntry::cssText), cssTextView->string());
+    QVariantMap defaults = saveData();
     defaults.insert(QLatin1String(TWStateEntry::showWindow), TWFlag::string(TWWindowOrder::isWindowVisible(this)));
     TWWindowState::writeDefaults(TWWindowDefaultsKey::cssWindow, defaults);
 }

@@ -4,6 +4,9 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QVariantMap>
+
+#include <optional>
 
 class TWMessageBar;
 namespace Ui {
@@ -45,6 +48,9 @@ public:
     // Why a file did not open.
     TWMessageBar *messageBar() const;
     void saveWindowProperties() const;
+    // The style sheet's part of a project: its file name and its text.
+    void saveDataToDictionary(QVariantMap &project) const;
+    void loadDataFromDictionary(const std::optional<QVariantMap> &project);
 
 Q_SIGNALS:
     // The document now belongs to another file (or to none).
@@ -53,6 +59,7 @@ Q_SIGNALS:
 private:
     TWCSSWindowController();
     void awakeFromNib();
+    QVariantMap saveData() const;
 
     Ui::TWCSSWindow *ui;
     TWEditorTextView *cssTextView;

@@ -2,6 +2,7 @@
 
 #include "app/TWAppDelegate.h"
 #include "app/TWFileExtensions.h"
+#include "app/TWProjectFile.h"
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "documents/TWTemplateText.h"
@@ -292,13 +293,37 @@ void TWTemplateWindowController::bottomTextDidChange()
     bottomTemplateTextView->textDidChange();
 }
 
+QVariantMap TWTemplateWindowController::saveData() const
+{
+    QVariantMap data;
+    data.insert(QLatin1String(TWStateEntry::templateFilename), templateFilenameValue);
+    data.insert(QLatin1String(TWStateEntry::templateText), getCombinedText());
+    data.insert(QLatin1String(TWStateEntry::applyTemplate), TWFlag::string(applyTemplateFlag));
+    return data;
+}
+
+void TWTemplateWindowController::saveDataToDictionary(QVariantMap &project) const
+{
+    project.insert(QLatin1String(TWProjectKey::templateWindow), saveData());
+}
+
+void TWTemplateWindowController::loadDataFromDictionary(const std::optional<QVariantMap> &project)
+{
+    const std::optional<QVariantMap> data = TWProjectFile::windowEntry(project, TWProjectKey::templateWindow);
+    if (!data)
+        return;
+    if (const std::optional<QString> name = TWWindowState::stringEntry(*data, TWStateEntry::templateFilename))
+        setTemplateFilename(*name);
+    if (const std::optional<QString> text = TWWindowState::stringEntry(*data, TWStateEntry::templateText))
+        loadTemplate(*text);
+    if (data->contains(QLatin1String(TWStateEntry::applyTemplate)))
+        setApplyTemplate(TWFlag::isYes(data->value(QLatin1String(TWStateEntry::applyTemplate))));
+}
+
 void TWTemplateWindowController::saveWindowProperties() const
 {
     TWWindowState::saveFrameUsingName(this, TWFrameName::templateWindow);
-    QVariantMap defaults;
-    defaults.insert(QLatin1String(TWStateEntry::templateFilename), templateFilenameValue);
-    defaults.insert(QLatin1String(TWStateEntry::templateText), getCombinedText());
-    defaults.insert(QLatin1String(TWStateEntry::applyTemplate), TWFlag::string(applyTemplateFlag));
+    QVariantMap defaults = saveData();
     defaults.insert(QLatin1String(TWStateEntry::showWindow), TWFlag::string(TWWindowOrder::isWindowVisible(this)));
     TWWindowState::writeDefaults(TWWindowDefaultsKey::templateWindow, defaults);
 }

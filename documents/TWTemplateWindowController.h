@@ -5,6 +5,9 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QString>
+#include <QVariantMap>
+
+#include <optional>
 
 class TWMessageBar;
 namespace Ui {
@@ -63,6 +66,9 @@ public:
     // Why a file did not open.
     TWMessageBar *messageBar() const;
     void saveWindowProperties() const;
+    // The template's part of a project: its file name, its text and whether it is applied.
+    void saveDataToDictionary(QVariantMap &project) const;
+    void loadDataFromDictionary(const std::optional<QVariantMap> &project);
 
     // After each change of a half: the copy follows, then the half colours and renders.
     void topTextDidChange();
@@ -75,6 +81,7 @@ Q_SIGNALS:
 private:
     TWTemplateWindowController();
     void awakeFromNib();
+    QVariantMap saveData() const;
     void rememberActiveHalf(QWidget *now);
 
     Ui::TWTemplateWindow *ui;

@@ -2,6 +2,7 @@
 
 #include "app/TWAppDelegate.h"
 #include "app/TWFileExtensions.h"
+#include "app/TWProjectFile.h"
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWEditorTextView.h"
@@ -257,12 +258,38 @@ void TWEditWindowController::loadTextAtAppLaunch()
     showWindow();
 }
 
+QVariantMap TWEditWindowController::saveData() const
+{
+    QVariantMap data;
+    data.insert(QLatin1String(TWStateEntry::htmlText), getText());
+    data.insert(QLatin1String(TWStateEntry::htmlFilename), htmlFilenameValue);
+    data.insert(QLatin1String(TWStateEntry::autoIndentation), TWFlag::string(htmlText->autoIndentation()));
+    return data;
+}
+
 void TWEditWindowController::saveWindowProperties() const
 {
     TWWindowState::saveFrameUsingName(this, TWFrameName::editorWindow);
-    QVariantMap defaults;
-    defaults.insert(QLatin1String(TWStateEntry::htmlText), getText());
-    defaults.insert(QLatin1String(TWStateEntry::htmlFilename), htmlFilenameValue);
-    defaults.insert(QLatin1String(TWStateEntry::autoIndentation), TWFlag::string(htmlText->autoIndentation()));
-    TWWindowState::writeDefaults(TWWindowDefaultsKey::editorWindow, defaults);
+    TWWindowState::writeDefaults(TWWindowDefaultsKey::editorWindow, saveData());
+}
+
+void TWEditWindowController::saveDataToDictionary(QVariantMap &project) const
+{
+    project.insert(QLatin1String(TWProjectKey::editorWindow), saveData());
+}
+
+void TWEditWindowController::loadDataFromDictionary(const std::optional<QVariantMap> &project)
+{
+    const std::optional<QVariantMap> data = TWProjectFile::windowEntry(project, TWProjectKey::editorWindow);
+    if (!data) {
+        loadDefaultPage();
+        return;
+    }
+    // Each entry that is there is applied; one that is missing (or not a text) changes nothing.
+    if (const std::optional<QString> text = TWWindowState::stringEntry(*data, TWStateEntry::htmlText))
+        loadHTML(*text);
+    if (const std::optional<QString> name = TWWindowState::stringEntry(*data, TWStateEntry::htmlFilename))
+        setHTMLFilename(*name);
+    if (data->contains(QLatin1String(TWStateEntry::autoIndentation)))
+        htmlText->setAutoIndentation(TWFlag::isYes(data->value(QLatin1String(TWStateEntry::autoIndentation))));
 }

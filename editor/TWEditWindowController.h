@@ -4,6 +4,9 @@
 
 #include <QMainWindow>
 #include <QString>
+#include <QVariantMap>
+
+#include <optional>
 
 namespace Ui {
 class TWEditWindow;
@@ -59,6 +62,10 @@ public:
     void openWindowAtAppLaunch();
     void loadTextAtAppLaunch();
     void saveWindowProperties() const;
+    // The document's part of a project: its text, file name and auto-indentation. A project
+    // without it (or none at all) gets the default page.
+    void saveDataToDictionary(QVariantMap &project) const;
+    void loadDataFromDictionary(const std::optional<QVariantMap> &project);
 
     // The window title for a file name ("" for a document without a file).
     static QString titleForFilename(const QString &path);
@@ -70,6 +77,7 @@ Q_SIGNALS:
 private:
     TWEditWindowController();
     void awakeFromNib();
+    QVariantMap saveData() const;
 
     Ui::TWEditWindow *ui;
     TWEditorTextView *htmlText;

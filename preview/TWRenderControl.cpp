@@ -11,7 +11,7 @@ TWRenderControl::TWRenderControl(QObject *parent)
 
 void TWRenderControl::renderIfAutorender()
 {
-    if (timerCountValue != 0 || !autoRenderFlag)
+    if (holdCount > 0 || timerCountValue != 0 || !autoRenderFlag)
         return;
     if (isLaunching && isLaunching())
         return;
@@ -34,4 +34,10 @@ void TWRenderControl::renderTimerFired()
 {
     --timerCountValue;
     renderIfAutorender();
+}
+
+void TWRenderControl::releaseRequests()
+{
+    if (holdCount > 0 && --holdCount == 0)
+        renderIfAutorender();
 }

@@ -29,6 +29,11 @@ public:
     void renderIfAutorender();
     // Starts one suspended render (none while launching).
     void fireRenderTimer();
+    // While held, direct requests wait: replacing every window's text at once (a new or
+    // opened project) renders once at the release, with one direct request, not once per
+    // window. Holds nest.
+    void holdRequests() { ++holdCount; }
+    void releaseRequests();
 
 private:
     void renderTimerFired();
@@ -36,4 +41,5 @@ private:
     bool autoRenderFlag = true;
     double suspensionSeconds = 0.3;
     int timerCountValue = 0;
+    int holdCount = 0;
 };

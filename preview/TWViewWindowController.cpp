@@ -1,6 +1,7 @@
 #include "preview/TWViewWindowController.h"
 
 #include "app/TWAppDelegate.h"
+#include "app/TWProjectFile.h"
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "documents/TWCSSWindowController.h"
@@ -545,16 +546,54 @@ void TWViewWindowController::showWindow()
     TWWindowOrder::showWindow(this);
 }
 
+QVariantMap TWViewWindowController::saveData() const
+{
+    QVariantMap data;
+    // A viewer without a base URL stores "", which reads back as no base URL.
+    data.insert(QLatin1String(TWStateEntry::baseURL),
+                baseURLValue ? TWPageComposer::absoluteString(*baseURLValue) : QString());
+    data.insert(QLatin1String(TWStateEntry::autoRendering), TWFlag::string(autoRender()));
+    data.insert(QLatin1String(TWStateEntry::applyCSS), TWFlag::string(applyCSSFlag));
+    data.insert(QLatin1String(TWStateEntry::validateLineBreak), TWFlag::string(lineBreakValidationFlag));
+    return data;
+}
+
+void TWViewWindowController::saveDataToDictionary(QVariantMap &project) const
+{
+    project.insert(QLatin1String(TWProjectKey::viewerWindow), saveData());
+}
+
+void TWViewWindowController::loadDataFromDictionary(const std::optional<QVariantMap> &project)
+{
+    const std::optional<QVariantMap> data = TWProjectFile::windowEntry(project, TWProjectKey::viewerWindow);
+    if (!data)
+        return;
+    const auto has = [&data](const char *entry) { return data->contains(QLatin1String(entry)); };
+    const auto value = [&data](const char *entry) { return data->value(QLatin1String(entry)); };
+    if (const std::optional<QString> url = TWWindowState::stringEntry(*data, TWStateEntry::baseURL))
+        setBaseURLWithString(*url);
+    if (has(TWStateEntry::autoRendering))
+        setAutoRender(TWFlag::isNotNo(value(TWStateEntry::autoRendering)));
+    // Through the setters, so that the buttons, the menu and the style sheet follow.
+    if (has(TWStateEntry::applyCSS))
+        setApplyCSS(TWFlag::isYes(value(TWStateEntry::applyCSS)));
+    if (has(TWStateEntry::validateLineBreak))
+        setLineBreakValidation(TWFlag::isYes(value(TWStateEntry::validateLineBreak)));
+}
+
+void TWViewWindowController::holdRenders()
+{
+    control->holdRequests();
+}
+
+void TWViewWindowController::releaseRenders()
+{
+    control->releaseRequests();
+}
+
 void TWViewWindowController::saveWindowProperties()
 {
     TWWindowState::saveFrameUsingName(this, TWFrameName::viewerWindow);
-    QVariantMap defaults;
-    // A viewer without a base URL stores "", which reads back as no base URL.
-    defaults.insert(QLatin1String(TWStateEntry::baseURL),
-                    baseURLValue ? TWPageComposer::absoluteString(*baseURLValue) : QString());
-    defaults.insert(QLatin1String(TWStateEntry::autoRendering), TWFlag::string(autoRender()));
-    defaults.insert(QLatin1String(TWStateEntry::applyCSS), TWFlag::string(applyCSSFlag));
-    defaults.insert(QLatin1String(TWStateEntry::validateLineBreak), TWFlag::string(lineBreakValidationFlag));
-    TWWindowState::writeDefaults(TWWindowDefaultsKey::viewerWindow, defaults);
+    TWWindowState::writeDefaults(TWWindowDefaultsKey::viewerWindow, saveData());
     QFile::remove(TWApplicationDataFolder() + QLatin1Char('/') + QLatin1String(TWPageComposer::reloadingFileName));
 }

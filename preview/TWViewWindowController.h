@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QPointF>
 #include <QUrl>
+#include <QVariantMap>
 
 #include <optional>
 
@@ -74,6 +75,13 @@ public:
     void setupAtAppLaunch() override;
     void clearWithProject();
     void saveWindowProperties() override;
+    // The viewer's part of a project: the base URL and the three flags.
+    void saveDataToDictionary(QVariantMap &project) const;
+    void loadDataFromDictionary(const std::optional<QVariantMap> &project);
+    // Around a change of every window at once: requests wait, and the release renders once
+    // if rendering is due.
+    void holdRenders();
+    void releaseRenders();
     void showWindow();
 
     QWebEngineView *webView() const { return webViewValue; }
@@ -98,6 +106,7 @@ private:
     void didReceiveTitle();
     void showTitle(const QString &title);
     void installUserStyleSheet();
+    QVariantMap saveData() const;
 
     Ui::TWViewWindow *ui;
     QWebEngineView *webViewValue;
