@@ -4,8 +4,6 @@
 
 #include "TWRecordingPreview.h"
 #include "app/TWStateKeys.h"
-#include "documents/TWCSSWindowController.h"
-#include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWXMLPropertyList.h"
@@ -54,24 +52,17 @@ private Q_SLOTS:
         viewer.install();
     }
 
-    // Files handed over at launch open in the window their extension names, in any case: a
-    // page unless a style sheet or a template. The page renders once, when the launch ends.
-    void launchOpensFilesByExtensionAndShowsThePageOnce()
+    // A file handed over at launch opens before the windows show; the page renders once, when
+    // the launch ends. (Which window a file opens in: tst_TWProject.)
+    void launchOpensFilesAndShowsThePageOnce()
     {
-        const QString css = dir.filePath(QStringLiteral("page.CSS"));
-        const QString templateFile = dir.filePath(QStringLiteral("site.TwTemp"));
-        const QString page = dir.filePath(QStringLiteral("v1.css/page"));
-        for (const QString &path : {css, templateFile, page})
-            QVERIFY(writeFile(path, "<p>handed over</p>\n"));
+        const QString page = dir.filePath(QStringLiteral("page.html"));
+        QVERIFY(writeFile(page, "<p>handed over</p>\n"));
         const int renders = viewer.renderNowCount;
         TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
         delegate->applicationWillFinishLaunching();
-        for (const QString &path : {css, templateFile, page})
-            QVERIFY(delegate->applicationOpenFile(path));
+        QVERIFY(delegate->applicationOpenFile(page));
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        QCOMPARE(TWCSSWindowController::sharedCSSController()->cssFilename(), css);
-        QCOMPARE(TWTemplateWindowController::sharedTemplateController()->templateFilename(), templateFile);
-        QCOMPARE(window->htmlFilename(), page);
         QCOMPARE(window->getText(), QStringLiteral("<p>handed over</p>\n"));
         QVERIFY(!window->isVisible());
         QCOMPARE(viewer.renderNowCount, renders);

@@ -157,9 +157,9 @@ private Q_SLOTS:
         setUpWindows();
     }
 
-    // Saved, changed, opened: every value comes back, and the flags' menus follow. The file
-    // holds every entry as a string; the next save proposes the name of the project saved
-    // last, also after a new project or the opening of another one.
+    // Saved, changed, opened: every value comes back, and the flags' menus follow. The next
+    // save proposes the name of the project saved last, also after a new project or the
+    // opening of another one.
     void projectRoundTrip()
     {
         htmlWindow()->loadHTML(QStringLiteral("<p>日本語 &amp; \"quotes\"</p>\n\n<p>\t</p>\n"));
@@ -176,13 +176,6 @@ private Q_SLOTS:
         QCOMPARE(project.keys(), (QStringList{QLatin1String(TWProjectKey::cssWindow), QLatin1String(TWProjectKey::editorWindow),
                                               QLatin1String(TWProjectKey::templateWindow),
                                               QLatin1String(TWProjectKey::viewerWindow)}));
-        int entries = 0;
-        for (const QVariant &window : project)
-            for (const QVariant &value : window.toMap()) {
-                QCOMPARE(value.typeId(), QMetaType::QString);
-                ++entries;
-            }
-        QCOMPARE(entries, 12);
 
         // Everything changes: a new project empties the documents and their file names and
         // resets the base URL, then every flag goes the other way.
