@@ -6,6 +6,8 @@
 #include "app/TWProjectFile.h"
 #include "app/TWRecoveryCopy.h"
 #include "app/TWStateKeys.h"
+#include "checker/TWCheckerScripts.h"
+#include "checker/TWHTMLCheckerWindowController.h"
 #include "documents/TWCSSWindowController.h"
 #include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
@@ -13,6 +15,7 @@
 #include "editor/TWTemplateTextView.h"
 #include "panels/TWFindPanelController.h"
 #include "platform/TWPanels.h"
+#include "platform/TWPaths.h"
 #include "platform/TWUserDefaults.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
@@ -188,6 +191,8 @@ void TWAppDelegate::createActions()
         = make(tr("&Template"), QKeySequence(Qt::CTRL | Qt::Key_2), &TWAppDelegate::showTemplateWindow);
     showCSSWindowAction = make(tr("&Style Sheet"), QKeySequence(Qt::CTRL | Qt::Key_3), &TWAppDelegate::showCSSWindow);
     showViewWindowAction = make(tr("&Viewer"), QKeySequence(Qt::CTRL | Qt::Key_4), &TWAppDelegate::showViewWindow);
+    showHTMLCheckerWindowAction
+        = make(tr("&Checker"), QKeySequence(Qt::CTRL | Qt::Key_6), &TWAppDelegate::showHTMLCheckerWindow);
 
     const auto viewer = [] { return TWViewWindowController::sharedViewWindowController(); };
     renderNowAction = make(tr("&Render Now"), QKeySequence(Qt::CTRL | Qt::Key_R), [viewer] { viewer()->renderNow(); });
@@ -280,6 +285,7 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     window->addAction(showTemplateWindowAction);
     window->addAction(showCSSWindowAction);
     window->addAction(showViewWindowAction);
+    window->addAction(showHTMLCheckerWindowAction);
     window->addSeparator();
     window->addAction(showTagPaletteMenu);
 }
@@ -292,6 +298,9 @@ void TWAppDelegate::applicationWillFinishLaunching()
     TWCSSWindowController::sharedCSSController();
     TWPreview::shared();
     TWEditWindowController::sharedEditWindowController();
+    // The shipped checkers go where the preferences look for them first, unless something is there.
+    TWCheckerScripts::installIfMissing(TWApplicationDataFolder());
+    TWHTMLCheckerWindowController::sharedCheckerController();
     // A run that did not end cleanly left its texts: they are newer than the store's. Files
     // handed over at launch still open after them.
     recoveredTexts = TWRecoveryCopy::shared()->restore();
@@ -308,6 +317,7 @@ void TWAppDelegate::applicationDidFinishLaunching()
     setViewOnExBrowserMenu();
     TWTemplateWindowController::sharedTemplateController()->loadTemplateAtAppLaunch();
     TWCSSWindowController::sharedCSSController()->loadCSSAtAppLaunch();
+    TWHTMLCheckerWindowController::sharedCheckerController()->setupAtAppLaunch();
     if (TWPreview *viewer = TWPreview::shared())
         viewer->setupAtAppLaunch();
     TWEditWindowController::sharedEditWindowController()->loadTextAtAppLaunch();
@@ -348,6 +358,7 @@ void TWAppDelegate::applicationWillTerminate()
     TWInsertTagPaletteController::sharedInsertTagPalette()->saveWindowProperties();
     TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
     TWCSSWindowController::sharedCSSController()->saveWindowProperties();
+    TWHTMLCheckerWindowController::sharedCheckerController()->saveWindowProperties();
     // The preferences flushed the store already; the window state written since must
     // reach the disk too. A store that cannot be written loses nothing: the state goes to a
     // file of its own that the next start takes back, and failing that the recovery copy stays.
@@ -692,4 +703,9 @@ void TWAppDelegate::showCSSWindow()
 void TWAppDelegate::showViewWindow()
 {
     TWViewWindowController::sharedViewWindowController()->showWindow();
+}
+
+void TWAppDelegate::showHTMLCheckerWindow()
+{
+    TWHTMLCheckerWindowController::sharedCheckerController()->showWindow();
 }

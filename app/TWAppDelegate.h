@@ -73,6 +73,7 @@ public:
     void showTemplateWindow();
     void showCSSWindow();
     void showViewWindow();
+    void showHTMLCheckerWindow();
     void viewOnExBrowser(int index);
 
     // Adds the application's menus to a window's menu bar.
@@ -135,6 +136,7 @@ private:
     QAction *showTemplateWindowAction = nullptr;
     QAction *showCSSWindowAction = nullptr;
     QAction *showViewWindowAction = nullptr;
+    QAction *showHTMLCheckerWindowAction = nullptr;
     QAction *renderNowAction = nullptr;
     QAction *stopRenderingAction = nullptr;
     QAction *clearCacheAction = nullptr;

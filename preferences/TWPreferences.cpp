@@ -1,5 +1,6 @@
 #include "preferences/TWPreferences.h"
 
+#include "checker/TWCheckerScripts.h"
 #include "editor/TWEditorTextView.h"
 #include "platform/TWBeep.h"
 #include "platform/TWColorBytes.h"
@@ -22,9 +23,7 @@ TWPreferences *sharedInstance = nullptr;
 TWPreferences::TagLibraryTextSource tagLibraryTextSource = nullptr;
 
 constexpr char builtInBaseURL[] = "http://localhost/";
-constexpr char htmlCheckerRelativePath[] = "/htmllint/htmllint";
 constexpr char defaultHTMLCheckerOptions[] = "-w short";
-constexpr char cssCheckerRelativePath[] = "/css-validator/validator.sh";
 constexpr int viewerFontPoints = 14;
 constexpr int editorFontPoints = 12;
 constexpr double defaultBackgroundAlpha = 0.7;
@@ -130,9 +129,9 @@ void TWPreferences::setDefaultPrefs()
 {
     defaultBaseURLValue = builtInDefaultBaseURL();
     const QString dataFolder = TWApplicationDataFolder();
-    htmlCheckerPathValue = dataFolder + QLatin1String(htmlCheckerRelativePath);
+    htmlCheckerPathValue = dataFolder + QLatin1String(TWCheckerScripts::htmlCheckerRelativePath);
     htmlCheckerOptionsValue = key(defaultHTMLCheckerOptions);
-    cssCheckerPathValue = dataFolder + QLatin1String(cssCheckerRelativePath);
+    cssCheckerPathValue = dataFolder + QLatin1String(TWCheckerScripts::cssCheckerRelativePath);
     cssCheckerOptionsValue.clear();
     viewerFontValue = systemFont(QFontDatabase::GeneralFont, viewerFontPoints);
     viewerFixedFontValue = systemFont(QFontDatabase::FixedFont, viewerFontPoints);

@@ -10,6 +10,7 @@ packages=(
   libicu-dev qt6-qpa-plugins libgl-dev libvulkan-dev libxkbcommon-dev libxcb1-dev
   fonts-dejavu-core fonts-ipafont-gothic
   xvfb xauth xdotool x11-utils imagemagick time
+  tidy nodejs node-css-tree
 )
 
 missing=()

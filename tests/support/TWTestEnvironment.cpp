@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFile>
 #include <QTimer>
 
 #include <cstdlib>
@@ -65,4 +66,13 @@ bool TWTestEnvironment::waitFor(const std::function<bool()> &condition, int mill
     while (!condition() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return condition();
+}
+
+QString TWTestEnvironment::writeScript(const QString &path, const QByteArray &body)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write("#!/bin/sh\n" + body + "\n") < 0
+        || !file.setPermissions(file.permissions() | QFileDevice::ExeOwner))
+        return {};
+    return path;
 }

@@ -17,6 +17,10 @@ QString home();
 // second with sleeps in between. Each turn handles one batch of events, so no state between two
 // events goes unseen.
 bool waitFor(const std::function<bool()> &condition, int milliseconds);
+
+// Writes an executable shell script (the body after "#!/bin/sh") and answers its path, or ""
+// when it could not be written.
+QString writeScript(const QString &path, const QByteArray &body);
 }
 
 // Waits for the values to become equal, then compares them, with QCOMPARE's message if they
