@@ -29,6 +29,7 @@
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
 #include "taglib/TWInsertTagPaletteController.h"
+#include "taglib/TWTagLibraryWindowController.h"
 #include "taglib/TWTagMenuListing.h"
 
 #include <QAction>
@@ -193,6 +194,8 @@ void TWAppDelegate::createActions()
     showViewWindowAction = make(tr("&Viewer"), QKeySequence(Qt::CTRL | Qt::Key_4), &TWAppDelegate::showViewWindow);
     showHTMLCheckerWindowAction
         = make(tr("&Checker"), QKeySequence(Qt::CTRL | Qt::Key_6), &TWAppDelegate::showHTMLCheckerWindow);
+    showTagLibraryWindowAction = make(tr("Tag &Library"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L),
+                                      [] { TWTagLibraryWindowController::sharedTagLibraryController()->openTagLibraryWindow(); });
 
     const auto viewer = [] { return TWViewWindowController::sharedViewWindowController(); };
     renderNowAction = make(tr("&Render Now"), QKeySequence(Qt::CTRL | Qt::Key_R), [viewer] { viewer()->renderNow(); });
@@ -288,6 +291,7 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     window->addAction(showHTMLCheckerWindowAction);
     window->addSeparator();
     window->addAction(showTagPaletteMenu);
+    window->addAction(showTagLibraryWindowAction);
 }
 
 void TWAppDelegate::applicationWillFinishLaunching()

@@ -137,6 +137,7 @@ private:
     QAction *showCSSWindowAction = nullptr;
     QAction *showViewWindowAction = nullptr;
     QAction *showHTMLCheckerWindowAction = nullptr;
+    QAction *showTagLibraryWindowAction = nullptr;
     QAction *renderNowAction = nullptr;
     QAction *stopRenderingAction = nullptr;
     QAction *clearCacheAction = nullptr;

@@ -106,20 +106,6 @@ private Q_SLOTS:
         QCOMPARE(library.colorForTag(QStringLiteral("table")), QColor(Qt::magenta));
     }
 
-    void duplicateAndDelete()
-    {
-        BuiltIn library;
-        QCOMPARE(library.duplicateTagAtIndex(4), 5);
-        QCOMPARE(library.duplicateTagAtIndex(8), 9);
-        QCOMPARE(tagNames(library), (QStringList{"comment", "generic", "quotation", "b", "i", "i", "br", "img", "a", "a"}));
-        // The special tags can be neither duplicated nor deleted, nor can what is not there.
-        QCOMPARE(library.duplicateTagAtIndex(0), -1);
-        for (const int index : {1, 10})
-            library.deleteTagAtIndex(index);
-        QCOMPARE(TWBeepCount(), 3);
-        QCOMPARE(library.numberOfTags(), 10);
-    }
-
     void moveRows_data()
     {
         QTest::addColumn<QList<int>>("rows");
