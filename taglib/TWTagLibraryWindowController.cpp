@@ -75,9 +75,17 @@ TWTagLibraryWindowController::~TWTagLibraryWindowController()
 void TWTagLibraryWindowController::awakeFromNib()
 {
     tagTableView->resizeColumnsToContents();
+    QHeaderView *header = tagTableView->horizontalHeader();
     if (const std::optional<QByteArray> layout
         = TWUserDefaults::standardUserDefaults()->dataForKey(QLatin1String(tableViewLayoutKey)))
-        tagTableView->horizontalHeader()->restoreState(*layout);
+        header->restoreState(*layout);
+    // The columns' layout is kept as soon as the user changes it, so a quit with the window open
+    // keeps it too.
+    const auto keepLayout = [header] {
+        TWUserDefaults::standardUserDefaults()->setObject(header->saveState(), QLatin1String(tableViewLayoutKey));
+    };
+    connect(header, &QHeaderView::sectionMoved, this, keepLayout);
+    connect(header, &QHeaderView::sectionResized, this, keepLayout);
     TWWindowState::setFrameUsingName(this, TWFrameName::tagLibraryWindow, defaultPosition);
 }
 
@@ -207,8 +215,6 @@ void TWTagLibraryWindowController::closeEvent(QCloseEvent *event)
 void TWTagLibraryWindowController::saveWindowProperties() const
 {
     TWWindowState::saveFrameUsingName(this, TWFrameName::tagLibraryWindow);
-    TWUserDefaults::standardUserDefaults()->setObject(tagTableView->horizontalHeader()->saveState(),
-                                                      QLatin1String(tableViewLayoutKey));
 }
 
 QString TWTagLibraryWindowController::importFile(const QString &path)
