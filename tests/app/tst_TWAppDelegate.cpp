@@ -2,6 +2,7 @@
 // application defaults record, and everything saved at quit.
 #include "app/TWAppDelegate.h"
 
+#include "TWTestEnvironment.h"
 #include "TWRecordingPreview.h"
 #include "app/TWStateKeys.h"
 #include "editor/TWEditWindowController.h"
@@ -21,12 +22,6 @@ QVariant record(const QVariant &projectFilename)
 {
     return projectFilename.isValid() ? QVariantMap{{QLatin1String(TWAppDefaultsKey::projectFilename), projectFilename}}
                                      : QVariantMap();
-}
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).absolutePath()) && file.open(QIODevice::WriteOnly) && file.write(bytes) > 0;
 }
 
 // The store as written to disk, read back as a whole.
@@ -57,7 +52,7 @@ private Q_SLOTS:
     void launchOpensFilesAndShowsThePageOnce()
     {
         const QString page = dir.filePath(QStringLiteral("page.html"));
-        QVERIFY(writeFile(page, "<p>handed over</p>\n"));
+        QVERIFY(TWTestEnvironment::writeFile(page, "<p>handed over</p>\n"));
         const int renders = viewer.renderNowCount;
         TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
         delegate->applicationWillFinishLaunching();

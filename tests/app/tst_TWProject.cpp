@@ -107,12 +107,6 @@ QByteArray plist(const QVariant &root)
     return TWXMLPropertyList::write(root).value_or(QByteArray());
 }
 
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 void trigger(const QString &title)
 {
     for (QAction *action : TWAppDelegate::sharedAppDelegate()->findChildren<QAction *>())
@@ -236,7 +230,7 @@ private Q_SLOTS:
         htmlWindow()->loadHTML(QStringLiteral("<p>opened</p>\n"));
         TWAppDelegate::sharedAppDelegate()->saveProjectWithFilename(path);
         if (opensIn != QLatin1String("project"))
-            QVERIFY(writeFile(path, "<p>opened</p>\n"));
+            QVERIFY(TWTestEnvironment::writeFile(path, "<p>opened</p>\n"));
         setUpWindows();
         const QVariantMap before = snapshot();
         QVERIFY(TWAppDelegate::sharedAppDelegate()->openFile(path));
@@ -324,7 +318,7 @@ private Q_SLOTS:
         QFETCH(bool, pageReplaced);
         QFETCH(bool, beeps);
         const QString path = dir.filePath(QStringLiteral("hostile.twproj"));
-        QVERIFY(writeFile(path, bytes));
+        QVERIFY(TWTestEnvironment::writeFile(path, bytes));
         const QVariantMap before = snapshot();
         const int beepsBefore = TWBeepCount();
         QVERIFY(TWAppDelegate::sharedAppDelegate()->openFile(path));

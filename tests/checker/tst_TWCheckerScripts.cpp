@@ -38,12 +38,6 @@ const QStringList pageMessages = {unknownElement, QStringLiteral("line 7 column 
 const QString faultyStyle = QStringLiteral("/* 日本語の説明 */\nbody {\n  colr: red;\n  margin: 0;\n}\np { color: reed; }\n");
 const QString cleanStyle = QStringLiteral("/* 日本語 */\nbody { color: #333; margin: 0 auto; }\n");
 
-QByteArray readBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 class tst_TWCheckerScripts : public QObject
@@ -74,7 +68,7 @@ private Q_SLOTS:
             const QString path = folder.path() + QLatin1String(relativePath);
             const bool usersOwn = usersFile == QLatin1String(relativePath);
             const QString shipped = QStringLiteral(TW_SOURCE_DIR "/resources/checkers/") + QFileInfo(path).fileName();
-            QCOMPARE(readBytes(path), usersOwn ? usersText : readBytes(shipped));
+            QCOMPARE(TWTestEnvironment::readFile(path), usersOwn ? usersText : TWTestEnvironment::readFile(shipped));
             QCOMPARE(QFileInfo(path).isExecutable(), !usersOwn && qstrcmp(relativePath, TWCheckerScripts::cssCheckerScriptRelativePath));
         }
     }

@@ -26,12 +26,6 @@ namespace {
 constexpr int focusTimeout = 5000;
 constexpr char storedText[] = "a<<TAGWRIGHTTEMPLATEDIVIDER>>b";
 
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 } // namespace
 
 class tst_TWTemplateWindowController : public QObject
@@ -106,7 +100,7 @@ private Q_SLOTS:
         TWResetBeepCount();
         TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
         const QString path = dir.filePath(QStringLiteral("site.twtemp"));
-        QVERIFY(writeBytes(path, "<p>\xe6\x97\xa5</p>\r\n<<TAGWRIGHTTEMPLATEDIVIDER>>\r\n<!-- end -->"));
+        QVERIFY(TWTestEnvironment::writeFile(path, "<p>\xe6\x97\xa5</p>\r\n<<TAGWRIGHTTEMPLATEDIVIDER>>\r\n<!-- end -->"));
         QVERIFY(window->openTemplateFile(path));
         QCOMPARE(window->getCombinedText(), QString::fromUtf8("<p>日</p>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n<!-- end -->"));
 
@@ -121,7 +115,7 @@ private Q_SLOTS:
         QCOMPARE(saved.readAll(), QByteArray("<p>\xe6\x97\xa5</p>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n<!-- end -->"));
 
         // An undecodable file beeps and changes nothing.
-        QVERIFY(writeBytes(path, "\xff\xfe"));
+        QVERIFY(TWTestEnvironment::writeFile(path, "\xff\xfe"));
         QVERIFY(window->openTemplateFile(path));
         QCOMPARE(TWBeepCount(), 1);
         QCOMPARE(window->templateFilename(), copy);

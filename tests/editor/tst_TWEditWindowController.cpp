@@ -2,6 +2,7 @@
 // file name and flag that come back at the next launch.
 #include "editor/TWEditWindowController.h"
 
+#include "TWTestEnvironment.h"
 #include "TWRecordingPreview.h"
 #include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
@@ -25,18 +26,6 @@
 namespace {
 
 const QString siteURL = QStringLiteral("http://localhost/site/");
-
-QByteArray readBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 } // namespace
 
@@ -100,7 +89,7 @@ private Q_SLOTS:
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
         TWPreferences::sharedPref()->setTextEncoding(preferred);
         const QString path = dir.filePath(name);
-        QVERIFY(bytes.isEmpty() || writeBytes(path, bytes));
+        QVERIFY(bytes.isEmpty() || TWTestEnvironment::writeFile(path, bytes));
         window->loadHTML(QStringLiteral("<p>work in progress</p>"));
         window->setHTMLFilename(dir.filePath(QStringLiteral("mine.html")));
 
@@ -109,7 +98,7 @@ private Q_SLOTS:
         QCOMPARE(window->getText(), QStringLiteral("<p>work in progress</p>"));
         QCOMPARE(window->htmlFilename(), dir.filePath(QStringLiteral("mine.html")));
         if (!bytes.isEmpty())
-            QCOMPARE(readBytes(path), bytes);
+            QCOMPARE(TWTestEnvironment::readFile(path), bytes);
         // The message names the file and the encoding, and offers those the file reads in.
         TWMessageBar *bar = window->messageBar();
         QVERIFY2(bar->text().contains(name) && bar->text().contains(said), qPrintable(bar->text()));
@@ -201,7 +190,7 @@ private Q_SLOTS:
         window->saveDocument();
         QCOMPARE(proposed, QString());
         QCOMPARE(offered, (QStringList{QStringLiteral("html"), QStringLiteral("htm")}));
-        QCOMPARE(readBytes(path), QByteArray("<p>\x93\xfa\x96{</p>\r\n"));
+        QCOMPARE(TWTestEnvironment::readFile(path), QByteArray("<p>\x93\xfa\x96{</p>\r\n"));
         QCOMPARE(window->windowTitle(), QStringLiteral("HTML:page.html"));
         QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
 
@@ -213,7 +202,7 @@ private Q_SLOTS:
         window->loadHTML(QStringLiteral("second\n"));
         window->saveDocument();
         QCOMPARE(asked, 3);
-        QCOMPARE(readBytes(path), QByteArray("second\r\n"));
+        QCOMPARE(TWTestEnvironment::readFile(path), QByteArray("second\r\n"));
 
         // A target that cannot become a file (a folder) beeps and stays as it was.
         window->saveHTMLFileAs(dir.path());
@@ -265,7 +254,7 @@ private Q_SLOTS:
         TWUserDefaults::standardUserDefaults()->setObject(stored, QLatin1String(TWWindowDefaultsKey::editorWindow));
         TWUserDefaults::standardUserDefaults()->synchronize();
         TWEditWindowController *window = relaunch();
-        const QString defaultPage = QString::fromLatin1(readBytes(QStringLiteral(":/defaultPage.txt")));
+        const QString defaultPage = QString::fromLatin1(TWTestEnvironment::readFile(QStringLiteral(":/defaultPage.txt")));
         QCOMPARE(window->getText() == defaultPage, defaultPageShown);
         QCOMPARE(window->htmlFilename(), filename);
         QCOMPARE(window->textView()->autoIndentation(), autoIndentation);

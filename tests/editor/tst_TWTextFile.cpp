@@ -2,6 +2,8 @@
 // encoding, the codes a save chooses, and atomic writes.
 #include "editor/TWTextFile.h"
 
+#include "TWTestEnvironment.h"
+
 #include <QFile>
 #include <QStringDecoder>
 #include <QTemporaryDir>
@@ -12,21 +14,9 @@
 
 namespace {
 
-QByteArray readBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 QByteArray testData(const char *name)
 {
-    return readBytes(QStringLiteral(TW_TESTDATA_DIR "/encodings/") + QLatin1String(name));
+    return TWTestEnvironment::readFile(QStringLiteral(TW_TESTDATA_DIR "/encodings/") + QLatin1String(name));
 }
 
 const QByteArray isoToKanji("\x1b$B");
@@ -153,11 +143,11 @@ private Q_SLOTS:
         QFETCH(QByteArray, saved);
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("page.html"));
-        QVERIFY(!original.isEmpty() && writeBytes(path, original));
+        QVERIFY(!original.isEmpty() && TWTestEnvironment::writeFile(path, original));
         const std::optional<QString> text = TWTextFile::load(path, encoding);
         QVERIFY(text && text->contains(sample));
         QVERIFY(TWTextFile::save(*text, path, encoding, returnCode));
-        const QByteArray written = readBytes(path);
+        const QByteArray written = TWTestEnvironment::readFile(path);
         qsizetype same = 0; // the first difference tells which code went wrong
         while (same < written.size() && same < saved.size() && written.at(same) == saved.at(same))
             ++same;
@@ -227,9 +217,9 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("page.html"));
         const QFileDevice::Permissions mode = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup;
-        QVERIFY(old.isEmpty() || (writeBytes(path, old) && QFile::setPermissions(path, mode)));
+        QVERIFY(old.isEmpty() || (TWTestEnvironment::writeFile(path, old) && QFile::setPermissions(path, mode)));
         QVERIFY(TWTextFile::save(text, path, encoding, TWReturnCode::lf));
-        QCOMPARE(readBytes(path).toHex(' '), saved.toHex(' '));
+        QCOMPARE(TWTestEnvironment::readFile(path).toHex(' '), saved.toHex(' '));
         const QFileDevice::Permissions ofThisUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
         QVERIFY(old.isEmpty() || (QFile::permissions(path) & ~ofThisUser) == mode);
     }
@@ -296,7 +286,7 @@ private Q_SLOTS:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("page.html"));
-        QVERIFY(writeBytes(path, "the old page"));
+        QVERIFY(TWTestEnvironment::writeFile(path, "the old page"));
         // Paths nobody can write, root included: a directory, in a regular file, in a missing folder.
         for (const QString &target : {dir.path(), path + QStringLiteral("/new.html"), dir.filePath(QStringLiteral("no/page.html"))})
             QVERIFY2(!TWTextFile::save(QStringLiteral("new"), target, TWTextEncoding::utf8, TWReturnCode::lf), qPrintable(target));
@@ -312,7 +302,7 @@ private Q_SLOTS:
         std::signal(SIGXFSZ, handler);
         QVERIFY(limitSet);
         QVERIFY(!written);
-        QCOMPARE(readBytes(path), QByteArray("the old page"));
+        QCOMPARE(TWTestEnvironment::readFile(path), QByteArray("the old page"));
     }
 };
 

@@ -3,6 +3,7 @@
 // cannot be written.
 #include "platform/TWUserDefaults.h"
 
+#include "TWTestEnvironment.h"
 #include "platform/TWPaths.h"
 #include "platform/TWXMLPropertyList.h"
 
@@ -12,13 +13,6 @@
 #include <QTest>
 
 namespace {
-
-bool writeFile(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 QByteArray readFile(const QString &path)
 {
@@ -113,7 +107,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, contents);
         QFETCH(bool, setAside);
-        QVERIFY(writeFile(storePath, contents));
+        QVERIFY(TWTestEnvironment::writeFile(storePath, contents));
         TWUserDefaults *store = relaunch();
         const QString aside = store->setAsideFileName();
         QCOMPARE(!aside.isEmpty(), setAside);
@@ -144,7 +138,7 @@ private Q_SLOTS:
         // its state in a file of its own, which the next launch takes back.
         const QString folder = QFileInfo(storePath).absolutePath();
         QVERIFY(QDir(folder).removeRecursively());
-        QVERIFY(writeFile(folder, "in the way"));
+        QVERIFY(TWTestEnvironment::writeFile(folder, "in the way"));
         QVERIFY(!store->synchronize());
         const QString kept = store->keepUnsavedState();
         QVERIFY(kept.startsWith(TWApplicationDataFolder()));

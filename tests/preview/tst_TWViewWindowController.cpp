@@ -67,13 +67,6 @@ bool show(const QString &html, const QString &command = renderNow)
     });
 }
 
-void writeFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 } // namespace
 
 class tst_TWViewWindowController : public QObject
@@ -119,7 +112,7 @@ private Q_SLOTS:
     void pagesRenderWholeAgainstTheBaseURL()
     {
         QFETCH(int, paragraphs);
-        writeFile(site.filePath(QStringLiteral("logo.svg")), "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='17'/>");
+        QVERIFY(TWTestEnvironment::writeFile(site.filePath(QStringLiteral("logo.svg")), "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='17'/>"));
         QVERIFY(show(QStringLiteral("<title>Whole</title><img id=logo src=\"logo.svg\">\n")
                      + QStringLiteral("<p>more & more text to make it large</p>\n").repeated(paragraphs)));
         QCOMPARE(evaluate(QStringLiteral("document.getElementsByTagName('p').length")).toInt(), paragraphs);
@@ -174,14 +167,14 @@ private Q_SLOTS:
         QFETCH(QString, colors);
         const QString path = site.filePath(QStringLiteral("style.css"));
         const QByteArray css = "p, b { color: rgb(0, 128, 0); }\n";
-        writeFile(path, "p, b { color: red; }\n");
+        TWTestEnvironment::writeFile(path, "p, b { color: red; }\n");
         TWCSSWindowController *styleSheet = TWCSSWindowController::sharedCSSController();
         styleSheet->setCSSFilename(path);
         viewer()->setApplyCSS(true);
         if (change == saveCSSAndClearCache)
             styleSheet->loadCSS(QString::fromUtf8(css));
         else if (change == QLatin1String("saved"))
-            writeFile(path, css);
+            QVERIFY(TWTestEnvironment::writeFile(path, css));
         else if (change == QLatin1String("removed"))
             QFile::remove(path);
         else
@@ -285,7 +278,7 @@ private Q_SLOTS:
     {
         // A stand-in browser that writes down what it was asked to open.
         const QString record = site.filePath(QStringLiteral("opened.txt")), browser = site.filePath(QStringLiteral("browser"));
-        writeFile(browser, QStringLiteral("#!/bin/sh\nprintf '%s' \"$1\" > '%1'\n").arg(record).toUtf8());
+        QVERIFY(TWTestEnvironment::writeFile(browser, QStringLiteral("#!/bin/sh\nprintf '%s' \"$1\" > '%1'\n").arg(record).toUtf8()));
         QFile::setPermissions(browser, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         viewer()->viewOnApp(browser);
         const auto opened = [&record] { QFile file(record); return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray(); };
@@ -293,7 +286,7 @@ private Q_SLOTS:
 
         // A browser given by its .desktop file starts through its Exec line.
         const QString desktop = site.filePath(QStringLiteral("fake.desktop"));
-        writeFile(desktop, "[Desktop Entry]\nExec=\"my browser\" --new %U\n[Desktop Action x]\nExec=wrong\n");
+        QVERIFY(TWTestEnvironment::writeFile(desktop, "[Desktop Entry]\nExec=\"my browser\" --new %U\n[Desktop Action x]\nExec=wrong\n"));
         QCOMPARE(TWExternalBrowser::commandFor(desktop, QStringLiteral("/p")), (QStringList{"my browser", "--new", "file:///p"}));
         // One that does not exist, or cannot run, opens nothing.
         for (const QString &unusable : {site.filePath(QStringLiteral("missing")), record})

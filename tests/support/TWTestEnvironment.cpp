@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTimer>
 
 #include <cstdlib>
@@ -75,4 +76,17 @@ QString TWTestEnvironment::writeScript(const QString &path, const QByteArray &bo
         || !file.setPermissions(file.permissions() | QFileDevice::ExeOwner))
         return {};
     return path;
+}
+
+bool TWTestEnvironment::writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+QByteArray TWTestEnvironment::readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }

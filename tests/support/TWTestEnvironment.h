@@ -18,6 +18,11 @@ QString home();
 // events goes unseen.
 bool waitFor(const std::function<bool()> &condition, int milliseconds);
 
+// Writes the bytes into the file, making its folder; answers whether all of them were written.
+bool writeFile(const QString &path, const QByteArray &bytes);
+// The file's bytes, or none when it cannot be read.
+QByteArray readFile(const QString &path);
+
 // Writes an executable shell script (the body after "#!/bin/sh") and answers its path, or ""
 // when it could not be written.
 QString writeScript(const QString &path, const QByteArray &body);
