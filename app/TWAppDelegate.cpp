@@ -13,6 +13,7 @@
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
 #include "editor/TWTemplateTextView.h"
+#include "panels/TWColorPanelController.h"
 #include "panels/TWFindPanelController.h"
 #include "platform/TWPanels.h"
 #include "platform/TWPaths.h"
@@ -222,6 +223,8 @@ void TWAppDelegate::createActions()
     tagColoringMenuItem->setCheckable(true);
     showTagPaletteMenu = make(TWLocalizedString(TWTextKey::showInsertTagPalette), QKeySequence(Qt::CTRL | Qt::Key_5),
                               &TWAppDelegate::toggleTagPalette);
+    showColorPanelMenu = make(TWLocalizedString(TWTextKey::showColorPanel), QKeySequence(Qt::CTRL | Qt::Key_7),
+                              &TWAppDelegate::toggleColorPanel);
     singleTagMenu = new QMenu(tr("&Single Tag"));
     doubleTagMenu = new QMenu(tr("&Paired Tag"));
 }
@@ -291,6 +294,7 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     window->addAction(showHTMLCheckerWindowAction);
     window->addSeparator();
     window->addAction(showTagPaletteMenu);
+    window->addAction(showColorPanelMenu);
     window->addAction(showTagLibraryWindowAction);
 }
 
@@ -321,6 +325,7 @@ void TWAppDelegate::applicationDidFinishLaunching()
     setViewOnExBrowserMenu();
     TWTemplateWindowController::sharedTemplateController()->loadTemplateAtAppLaunch();
     TWCSSWindowController::sharedCSSController()->loadCSSAtAppLaunch();
+    TWColorPanelController::sharedColorPanel();
     TWHTMLCheckerWindowController::sharedCheckerController()->setupAtAppLaunch();
     if (TWPreview *viewer = TWPreview::shared())
         viewer->setupAtAppLaunch();
@@ -360,6 +365,7 @@ void TWAppDelegate::applicationWillTerminate()
     if (TWPreview *viewer = TWPreview::shared())
         viewer->saveWindowProperties();
     TWInsertTagPaletteController::sharedInsertTagPalette()->saveWindowProperties();
+    TWColorPanelController::sharedColorPanel()->saveWindowProperties();
     TWTemplateWindowController::sharedTemplateController()->saveWindowProperties();
     TWCSSWindowController::sharedCSSController()->saveWindowProperties();
     TWHTMLCheckerWindowController::sharedCheckerController()->saveWindowProperties();
@@ -530,6 +536,17 @@ void TWAppDelegate::toggleTagColoring()
     TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
     templateWindow->topTextView()->setTagColoring(coloring);
     templateWindow->bottomTextView()->setTagColoring(coloring);
+}
+
+void TWAppDelegate::setColorPanelMenuEnabled(bool flag)
+{
+    showColorPanelMenu->setText(TWLocalizedString(flag ? TWTextKey::showColorPanel : TWTextKey::hideColorPanel));
+}
+
+void TWAppDelegate::toggleColorPanel()
+{
+    TWColorPanelController *panel = TWColorPanelController::sharedColorPanel();
+    panel->setShowWindow(!TWWindowOrder::isWindowVisible(panel));
 }
 
 void TWAppDelegate::toggleTagPalette()

@@ -57,6 +57,8 @@ public:
     void setTagColoringMenu(bool flag);
     // The show/hide title of the palette's Window menu item: "show" when flag is on.
     void setTagPaletteMenuEnabled(bool flag);
+    // The show/hide title of the colour panel's Window menu item: "show" when flag is on.
+    void setColorPanelMenuEnabled(bool flag);
     // Rebuilds the two insert-tag submenus from the tag library.
     void setUpInsertTagMenu();
     void insertSingleTagFromMenu(int index);
@@ -89,6 +91,7 @@ public:
     QAction *lineBreakValidationMenuItem = nullptr;
     QAction *tagColoringMenuItem = nullptr;
     QAction *showTagPaletteMenu = nullptr;
+    QAction *showColorPanelMenu = nullptr;
 
 private:
     TWAppDelegate();
@@ -105,6 +108,7 @@ private:
     void toggleApplyTemplate();
     void toggleTagColoring();
     void toggleTagPalette();
+    void toggleColorPanel();
     void insertTagFromMenu(const std::shared_ptr<TWHTMLTag> &tag);
     void askForLineNumber();
     // Tells in the HTML window what happened to the user's data at start, if anything did.
