@@ -1,17 +1,15 @@
 #include "taglib/TWHTMLTagEditPanelController.h"
 
 #include "platform/TWBeep.h"
+#include "platform/TWColorWell.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
 #include "ui_TWHTMLTagPanel.h"
 
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
-#include <QPixmap>
-#include <QToolButton>
 
 namespace {
 
@@ -44,7 +42,7 @@ TWHTMLTagEditPanelController::TWHTMLTagEditPanelController(QWidget *parent)
     connect(ui->typeButton, &QComboBox::activated, this, &TWHTMLTagEditPanelController::selectType);
     connect(ui->menuButton, &QCheckBox::clicked, this, &TWHTMLTagEditPanelController::selectMenu);
     connect(ui->specificColorButton, &QCheckBox::clicked, this, &TWHTMLTagEditPanelController::selectSpecificColor);
-    connect(ui->specificColorWell, &QToolButton::clicked, this, &TWHTMLTagEditPanelController::openColorPanel);
+    connect(ui->specificColorWell, &TWColorWell::colorChosen, this, &TWHTMLTagEditPanelController::chooseColor);
     connect(ui->shortcutKeyField, &QLineEdit::editingFinished, this, &TWHTMLTagEditPanelController::inputShortcutKey);
     connect(ui->buttonBox, &QDialogButtonBox::accepted, this, &TWHTMLTagEditPanelController::OKButton);
     connect(ui->buttonBox, &QDialogButtonBox::rejected, this, &TWHTMLTagEditPanelController::cancelButton);
@@ -182,23 +180,8 @@ void TWHTMLTagEditPanelController::reject()
     cancelButton();
 }
 
-void TWHTMLTagEditPanelController::openColorPanel()
-{
-    if (!colorPanel) {
-        colorPanel = new QColorDialog(this);
-        colorPanel->setOption(QColorDialog::ShowAlphaChannel, false);
-        colorPanel->setWindowModality(Qt::WindowModal);
-        connect(colorPanel, &QColorDialog::colorSelected, this, &TWHTMLTagEditPanelController::chooseColor);
-    }
-    colorPanel->setCurrentColor(wellColor);
-    colorPanel->open();
-}
-
 void TWHTMLTagEditPanelController::setWellColor(const QColor &color)
 {
-    wellColor = color;
-    QPixmap swatch(ui->specificColorWell->iconSize());
-    swatch.fill(color);
-    ui->specificColorWell->setIcon(QIcon(swatch));
+    ui->specificColorWell->setColor(color);
     ui->specificColorWell->setToolTip(tr("Choose the tag's colour (now %1)").arg(color.name()));
 }

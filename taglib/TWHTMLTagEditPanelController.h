@@ -5,7 +5,6 @@
 
 #include <memory>
 
-class QColorDialog;
 class TWHTMLTag;
 
 namespace Ui {
@@ -48,13 +47,9 @@ public:
     void reject() override;
 
 private:
-    void openColorPanel();
     void setWellColor(const QColor &color);
 
     std::unique_ptr<Ui::TWHTMLTagPanel> ui;
     std::unique_ptr<TWHTMLTag> tag;
     std::shared_ptr<TWHTMLTag> originalTag;
-    QColor wellColor;
-    // Made on first use; modal on the sheet, so the sheet cannot end while it is up.
-    QColorDialog *colorPanel = nullptr;
 };
