@@ -50,6 +50,9 @@ public:
     virtual bool isCommentTag() const { return false; }
     virtual bool isGenericTag() const { return false; }
     virtual bool isQuotation() const { return false; }
+    // The comment, the generic tag and the quotation: their element name, type and insertion
+    // texts are fixed, and they can be neither duplicated nor deleted.
+    bool isSpecialTag() const { return isCommentTag() || isGenericTag() || isQuotation(); }
 
     // Makes this record a copy of another, except its shortcut key, which is cleared. The type
     // and the two flags are taken even where this record's own setters would refuse them.

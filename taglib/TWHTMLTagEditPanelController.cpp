@@ -18,12 +18,6 @@ constexpr int firstTypeCode = TWHTMLTag::singleType;
 constexpr int singleTypeIndex = TWHTMLTag::singleType - firstTypeCode;
 constexpr int noTypeIndex = -1;
 
-// A special tag's element name, type and insertion texts are fixed.
-bool isSpecialTag(const TWHTMLTag &tag)
-{
-    return tag.isCommentTag() || tag.isGenericTag() || tag.isQuotation();
-}
-
 int typeIndexOf(int typeCode)
 {
     const int index = typeCode - firstTypeCode;
@@ -60,7 +54,7 @@ void TWHTMLTagEditPanelController::setupPanelWithTag(const std::shared_ptr<TWHTM
     tag->setShortcutKey(record->shortcutKey());
     originalTag = record;
 
-    const bool special = isSpecialTag(*record);
+    const bool special = record->isSpecialTag();
     ui->nameField->setText(record->name());
     ui->nameField->setEnabled(true);
     ui->tagField->setText(record->tag());

@@ -1,5 +1,7 @@
 #include "taglib/TWHTMLTagLibrary.h"
 
+#include "app/TWFileExtensions.h"
+
 #include "platform/TWBeep.h"
 #include "platform/TWColorBytes.h"
 #include "platform/TWFlag.h"
@@ -29,7 +31,6 @@ std::function<void()> rebuildMenusHook;
 std::function<void()> recolorTextsHook;
 
 constexpr char defaultLibraryResource[] = ":/default.tlib";
-constexpr char libraryExtension[] = "tlib";
 // Where a stored library text that cannot be read is kept.
 constexpr char setAsideFileFormat[] = "Unreadable Tag Library %1.%2";
 constexpr char setAsideStampFormat[] = "yyyy-MM-dd hh.mm.ss";
@@ -130,7 +131,7 @@ QString TWHTMLTagLibrary::setAside(const QString &text)
 {
     const QString stamp = QDateTime::currentDateTime().toString(QLatin1String(setAsideStampFormat));
     const QString path = TWApplicationDataFolder() + QLatin1Char('/')
-        + QString::fromLatin1(setAsideFileFormat).arg(stamp, QLatin1String(libraryExtension));
+        + QString::fromLatin1(setAsideFileFormat).arg(stamp, QLatin1String(TWExtension::tagLibrary));
     QDir().mkpath(TWApplicationDataFolder());
     QSaveFile file(path);
     if (file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit())
@@ -211,15 +212,10 @@ int TWHTMLTagLibrary::addNewTag()
     return int(tags.size()) - 1;
 }
 
-bool TWHTMLTagLibrary::isSpecial(const TWHTMLTag &tag)
-{
-    return tag.isGenericTag() || tag.isCommentTag() || tag.isQuotation();
-}
-
 int TWHTMLTagLibrary::duplicateTagAtIndex(int index)
 {
     const TWHTMLTag *source = tagAtIndex(index);
-    if (!source || isSpecial(*source)) {
+    if (!source || source->isSpecialTag()) {
         TWBeep();
         return -1;
     }
@@ -236,7 +232,7 @@ int TWHTMLTagLibrary::duplicateTagAtIndex(int index)
 void TWHTMLTagLibrary::deleteTagAtIndex(int index)
 {
     const TWHTMLTag *tag = tagAtIndex(index);
-    if (!tag || isSpecial(*tag)) {
+    if (!tag || tag->isSpecialTag()) {
         TWBeep();
         return;
     }

@@ -79,7 +79,6 @@ public:
 
 private:
     static QString setAside(const QString &text);
-    static bool isSpecial(const TWHTMLTag &tag);
     static bool isShortcutKeyAvailable(const QString &key, const TWHTMLTag *record, const QList<Tag> &list);
 
     QList<Tag> tags;

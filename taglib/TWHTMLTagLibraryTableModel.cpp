@@ -25,11 +25,6 @@ TWHTMLTagLibrary *library()
     return TWHTMLTagLibrary::sharedTagLibrary();
 }
 
-bool isSpecial(const TWHTMLTag &tag)
-{
-    return tag.isCommentTag() || tag.isGenericTag() || tag.isQuotation();
-}
-
 } // namespace
 
 const QStringList &TWHTMLTagLibraryTableModel::columnIdentifiers()
@@ -126,7 +121,7 @@ Qt::ItemFlags TWHTMLTagLibraryTableModel::flags(const QModelIndex &index) const
     if (!tag)
         return Qt::ItemIsDropEnabled;
     const QString column = identifier(index);
-    const bool special = isSpecial(*tag);
+    const bool special = tag->isSpecialTag();
     Qt::ItemFlags base = Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
     const auto editable = [base](bool on) { return on ? base | Qt::ItemIsEnabled | Qt::ItemIsEditable : base; };
     if (column == QLatin1String(tagNumColumn) || column == QLatin1String(tagColumn))
