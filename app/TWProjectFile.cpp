@@ -1,10 +1,10 @@
 #include "app/TWProjectFile.h"
 
+#include "platform/TWAtomicFile.h"
 #include "platform/TWXMLPropertyList.h"
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QSaveFile>
 
 std::optional<QVariantMap> TWProjectFile::read(const QString &path, QString *why)
 {
@@ -25,10 +25,7 @@ std::optional<QVariantMap> TWProjectFile::read(const QString &path, QString *why
 bool TWProjectFile::write(const QString &path, const QVariantMap &project)
 {
     const std::optional<QByteArray> document = TWXMLPropertyList::write(project);
-    if (!document)
-        return false;
-    QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(*document) == document->size() && file.commit();
+    return document && TWWriteFileAtomically(path, *document);
 }
 
 std::optional<QVariantMap> TWProjectFile::windowEntry(const std::optional<QVariantMap> &project, const char *rootKey)

@@ -1,9 +1,10 @@
 #include "checker/TWCheckerScripts.h"
 
+#include "platform/TWAtomicFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 
@@ -31,11 +32,7 @@ void install(const ShippedFile &shipped, const QString &target)
     if (!source.open(QIODevice::ReadOnly) || !QDir().mkpath(place.absolutePath()))
         return;
     // Written whole or not at all, so a crash never leaves half a program that looks installed.
-    QSaveFile file(target);
-    if (!file.open(QIODevice::WriteOnly) || file.write(source.readAll()) != source.size()
-        || !file.setPermissions(shipped.permissions))
-        return;
-    file.commit();
+    TWWriteFileAtomically(target, source.readAll(), shipped.permissions);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/TWUserDefaults.h"
 
+#include "platform/TWAtomicFile.h"
 #include "platform/TWPaths.h"
 #include "platform/TWXMLPropertyList.h"
 
@@ -8,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMetaType>
-#include <QSaveFile>
 
 #include <cstdio>
 #include <unistd.h>
@@ -137,10 +137,8 @@ QString TWUserDefaults::keepUnsavedState() const
         return {};
     for (const QString &path : unsavedStateFileNames()) {
         QDir().mkpath(QFileInfo(path).absolutePath());
-        QSaveFile file(path);
         // The texts are the user's own: nobody else reads them, even in the temporary folder.
-        if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-            || file.write(*document) != document->size() || !file.commit())
+        if (!TWWriteFileAtomically(path, *document, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
             continue;
         return path;
     }

@@ -1,8 +1,9 @@
 #include "preview/TWPageComposer.h"
 
+#include "platform/TWAtomicFile.h"
+
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 constexpr char lineBreakTag[] = "<br>";
@@ -92,10 +93,6 @@ QString TWPageComposer::writeReloadingFile(const QString &folder, const QString 
     if (!QFileInfo::exists(folder))
         QDir().mkpath(folder);
     const QString path = folder + QLatin1Char('/') + QLatin1String(reloadingFileName);
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(QByteArray(utf8ByteOrderMark) + text.toUtf8());
-        file.commit();
-    }
+    TWWriteFileAtomically(path, QByteArray(utf8ByteOrderMark) + text.toUtf8());
     return path;
 }

@@ -1,7 +1,7 @@
 #include "taglib/TWHTMLTagLibrary.h"
 
 #include "app/TWFileExtensions.h"
-
+#include "platform/TWAtomicFile.h"
 #include "platform/TWBeep.h"
 #include "platform/TWColorBytes.h"
 #include "platform/TWFlag.h"
@@ -19,7 +19,6 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -133,8 +132,7 @@ QString TWHTMLTagLibrary::setAside(const QString &text)
     const QString path = TWApplicationDataFolder() + QLatin1Char('/')
         + QString::fromLatin1(setAsideFileFormat).arg(stamp, QLatin1String(TWExtension::tagLibrary));
     QDir().mkpath(TWApplicationDataFolder());
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit())
+    if (TWWriteFileAtomically(path, text.toUtf8()))
         return path;
     // Nowhere to write it: it stays in the store, under a key the library never writes.
     TWUserDefaults::standardUserDefaults()->setObject(text, QLatin1String(setAsideKey));

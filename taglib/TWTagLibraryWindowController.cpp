@@ -4,6 +4,7 @@
 #include "app/TWStateKeys.h"
 #include "app/TWWindowState.h"
 #include "editor/TWTextFile.h"
+#include "platform/TWAtomicFile.h"
 #include "platform/TWBeep.h"
 #include "platform/TWMessageBar.h"
 #include "platform/TWPanels.h"
@@ -20,7 +21,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QSaveFile>
 
 namespace {
 
@@ -261,9 +261,7 @@ void TWTagLibraryWindowController::exportTagLibrary()
     if (!path)
         return;
     ui->messageBar->dismiss();
-    const QByteArray bytes = library()->propertyListString().toUtf8();
-    QSaveFile file(*path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+    if (!TWWriteFileAtomically(*path, library()->propertyListString().toUtf8())) {
         TWBeep();
         ui->messageBar->showMessage(tr("The library could not be written to %1.").arg(*path));
     }
