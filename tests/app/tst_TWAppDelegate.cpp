@@ -1,35 +1,31 @@
-// The application's launch and quit: the launching flag, files handed over at launch, the
-// application defaults record, and everything saved at quit.
+// The application as a whole: at quit, the application defaults record, old and new, and the
+// version; an English text for every text key; the order of its windows. (The launch:
+// tst_TWProject; a quit that cannot write the store: tst_TWRecoveryCopy.)
 #include "app/TWAppDelegate.h"
 
 #include "TWTestEnvironment.h"
 #include "TWRecordingPreview.h"
 #include "app/TWStateKeys.h"
-#include "editor/TWEditWindowController.h"
+#include "platform/TWLocalization.h"
+#include "platform/TWTextKeys.h"
 #include "platform/TWUserDefaults.h"
+#include "platform/TWWindowOrder.h"
 #include "platform/TWXMLPropertyList.h"
 #include "preferences/TWPreferenceKeys.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QTemporaryDir>
+#include <QApplication>
 #include <QTest>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
-QVariant record(const QVariant &projectFilename)
-{
-    return projectFilename.isValid() ? QVariantMap{{QLatin1String(TWAppDefaultsKey::projectFilename), projectFilename}}
-                                     : QVariantMap();
-}
-
-// The store as written to disk, read back as a whole.
-QVariantMap storeOnDisk()
-{
-    QFile file(TWUserDefaults::standardUserDefaults()->fileName());
-    return TWXMLPropertyList::read(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray()).value_or(QVariant()).toMap();
-}
+constexpr int patience = 30000;
+// The older and the current application defaults record in the store (invalid: none), and the
+// project file name they give.
+struct Records { QVariant legacy; QVariant current; QString projectFilename; };
 
 } // namespace
 
@@ -39,79 +35,70 @@ class tst_TWAppDelegate : public QObject
 
 private:
     TWRecordingPreview viewer;
-    QTemporaryDir dir;
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        viewer.install();
-    }
-
-    // A file handed over at launch opens before the windows show; the page renders once, when
-    // the launch ends. (Which window a file opens in: tst_TWProject.)
-    void launchOpensFilesAndShowsThePageOnce()
-    {
-        const QString page = dir.filePath(QStringLiteral("page.html"));
-        QVERIFY(TWTestEnvironment::writeFile(page, "<p>handed over</p>\n"));
-        const int renders = viewer.renderNowCount;
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        delegate->applicationWillFinishLaunching();
-        QVERIFY(delegate->applicationOpenFile(page));
-        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        QCOMPARE(window->getText(), QStringLiteral("<p>handed over</p>\n"));
-        QVERIFY(!window->isVisible());
-        QCOMPARE(viewer.renderNowCount, renders);
-        QVERIFY(delegate->isLaunching());
-
-        delegate->applicationDidFinishLaunching();
-        QVERIFY(!delegate->isLaunching());
-        QVERIFY(window->isVisible());
-        QCOMPARE(viewer.renderNowCount, renders + 1);
-    }
+    void initTestCase() { viewer.install(); }
 
     // The project file name comes from the older record when there is one, even without a
-    // name, else from the current one; at quit only the current record is written.
-    void quitSavesPreferencesRecordAndWindows_data()
+    // name, else from the current one; at quit only the current record is written, with this
+    // version. (The windows' state written at quit: e2e_restore.sh.)
+    void quitSavesPreferencesAndRecord_data()
     {
-        QTest::addColumn<QVariant>("legacy");
-        QTest::addColumn<QVariant>("current");
-        QTest::addColumn<QString>("projectFilename");
-        const QVariant none;
-        QTest::newRow("no record") << none << none << QString();
-        QTest::newRow("current only") << none << record(QStringLiteral("/p/new.twproj"))
-                                      << QStringLiteral("/p/new.twproj");
-        QTest::newRow("both: legacy wins") << record(QStringLiteral("/p/old.twproj")) << record(QStringLiteral("/p/new.twproj"))
-                                           << QStringLiteral("/p/old.twproj");
-        QTest::newRow("legacy without a name still wins")
-            << record(none) << record(QStringLiteral("/p/new.twproj")) << QString();
-        QTest::newRow("name of another type") << none << record(42) << QString();
+        QTest::addColumn<Records>("row");
+        const auto record = [](const QVariant &name) { return QVariant(QVariantMap{{QLatin1String(TWAppDefaultsKey::projectFilename), name}}); };
+        QTest::newRow("no record") << Records{{}, {}, {}};
+        QTest::newRow("current only") << Records{{}, record(u"/p/new.twproj"_s), u"/p/new.twproj"_s};
+        QTest::newRow("both: legacy wins") << Records{record(u"/p/old.twproj"_s), record(u"/p/new.twproj"_s), u"/p/old.twproj"_s};
+        QTest::newRow("legacy without a name still wins") << Records{QVariantMap(), record(u"/p/new.twproj"_s), {}};
+        QTest::newRow("name of another type") << Records{{}, record(42), {}};
     }
 
-    void quitSavesPreferencesRecordAndWindows()
+    void quitSavesPreferencesAndRecord()
     {
-        QFETCH(QVariant, legacy);
-        QFETCH(QVariant, current);
-        QFETCH(QString, projectFilename);
+        QFETCH(Records, row);
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::legacyRecord));
-        store->removeObjectForKey(QLatin1String(TWAppDefaultsKey::record));
-        if (legacy.isValid())
-            store->setObject(legacy, QLatin1String(TWAppDefaultsKey::legacyRecord));
-        if (current.isValid())
-            store->setObject(current, QLatin1String(TWAppDefaultsKey::record));
-        store->setObject(QStringLiteral("0.1"), QLatin1String(TWPreferenceKey::applicationVersion));
+        for (const auto &[key, value] : {std::pair{TWAppDefaultsKey::legacyRecord, row.legacy}, {TWAppDefaultsKey::record, row.current}})
+            value.isValid() ? store->setObject(value, QLatin1String(key)) : store->removeObjectForKey(QLatin1String(key));
+        store->setObject(u"0.1"_s, QLatin1String(TWPreferenceKey::applicationVersion));
         delete TWAppDelegate::sharedAppDelegate();
-        TWEditWindowController::sharedEditWindowController()->loadHTML(QStringLiteral("<p>typed before quitting</p>"));
         TWAppDelegate::sharedAppDelegate()->applicationWillTerminate();
-        const QVariantMap disk = storeOnDisk();
-        QCOMPARE(disk.value(QLatin1String(TWPreferenceKey::applicationVersion)).toString(), QStringLiteral("1.4b3"));
+        const QVariantMap disk = TWXMLPropertyList::read(TWTestEnvironment::readFile(store->fileName())).value_or(QVariant()).toMap();
+        QCOMPARE(disk.value(QLatin1String(TWPreferenceKey::applicationVersion)).toString(), QString::fromLatin1(TWApplicationVersion));
         QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap().value(QLatin1String(TWAppDefaultsKey::projectFilename)),
-                 QVariant(projectFilename));
-        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)), legacy);
-        QCOMPARE(disk.value(QLatin1String(TWWindowDefaultsKey::editorWindow)).toMap().value(QLatin1String(TWStateEntry::htmlText)).toString(),
-                 QStringLiteral("<p>typed before quitting</p>"));
-        QVERIFY(disk.value(QLatin1String(TWWindowDefaultsKey::templateWindow)).toMap().contains(QLatin1String(TWStateEntry::templateText)));
-        QVERIFY(disk.value(QLatin1String(TWWindowDefaultsKey::cssWindow)).toMap().contains(QLatin1String(TWStateEntry::cssText)));
+                 QVariant(row.projectFilename));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)), row.legacy);
+    }
+
+    // Every text key used by the application has an English text; the one text with a number
+    // in it says it in the form for the number.
+    void everyTextKeyHasAnEnglishText()
+    {
+        QVERIFY(TWInstallTranslations(QCoreApplication::instance()));
+        for (std::string_view key : TWTextKey::all) {
+            const QByteArray name(key.data(), qsizetype(key.size()));
+            QVERIFY2(TWLocalizedString(name.constData()) != QLatin1String(name), name.constData());
+        }
+        QCOMPARE(TWLocalizedString(TWTextKey::xPlacesAreReplaced, 3), u"3 places were replaced."_s);
+        QCOMPARE(TWLocalizedString(TWTextKey::xPlacesAreReplaced, 1), u"1 place was replaced."_s);
+    }
+
+    // Windows are ordered by their last activation, a closed one leaves the order; minimised
+    // windows are not visible. (Choosing the document window by this order, the visible ones
+    // and not the hidden: tst_TWEditorTextView.)
+    void windowsInTheOrderOfTheirActivation()
+    {
+        QWidget first, second;
+        auto closed = std::make_unique<QWidget>();
+        for (QWidget *window : {&first, &second, closed.get()}) {
+            window->show();
+            QVERIFY(QTest::qWaitForWindowExposed(window));
+            QApplication::setActiveWindow(window);
+            TW_TRY_COMPARE_WITH_TIMEOUT(TWWindowOrder::shared()->orderedWindows().first(), window, patience);
+        }
+        closed.reset();
+        QCOMPARE(TWWindowOrder::shared()->orderedWindows().mid(0, 2), (QList<QWidget *>{&second, &first}));
+        first.showMinimized();
+        QVERIFY(!TWWindowOrder::isWindowVisible(&first));
     }
 };
 

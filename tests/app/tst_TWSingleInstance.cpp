@@ -13,6 +13,8 @@
 #include <QTest>
 #include <QTimer>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // The test program runs itself in this mode as a later launch, in a process of its own.
@@ -54,13 +56,16 @@ void startLaunch(QProcess &process, int answerTimeout, const QStringList &paths)
 // A request as the wire carries it, for requests that no launch sends.
 QByteArray request(quint8 version, const QStringList &paths)
 {
-    QByteArray body;
+    QByteArray body, message;
     QDataStream bodyStream(&body, QIODevice::WriteOnly);
     bodyStream << paths;
-    QByteArray message;
     QDataStream(&message, QIODevice::WriteOnly) << version << quint32(body.size());
     return message + body;
 }
+
+// A request the running instance gets first and must survive, whether it answers the launch
+// after it, and that launch's paths.
+struct Launch { QByteArray brokenRequest; bool answered; QStringList paths; };
 
 } // namespace
 
@@ -71,22 +76,18 @@ class tst_TWSingleInstance : public QObject
 private Q_SLOTS:
     void laterLaunchHandsOverItsPaths_data()
     {
-        QTest::addColumn<QByteArray>("brokenRequest");
-        QTest::addColumn<bool>("answered");
-        QTest::addColumn<QStringList>("paths");
+        QTest::addColumn<Launch>("row");
         const QStringList page{QStringLiteral("/tmp/page.html")};
         QTest::newRow("spaces, Japanese, several kinds, after another version")
-            << request(2, page) << true
-            << QStringList{QStringLiteral("/home/u/My Pages/index.html"), QStringLiteral("/home/u/日本語/ページ.twtemp"),
-                           QStringLiteral("/home/u/style.css")};
-        QTest::newRow("after a relative path") << request(1, {QStringLiteral("page.html")}) << true << page;
-        QTest::newRow("no answer: fails instead of running") << request(2, page) << false << page;
+            << Launch{request(2, page), true, {u"/home/u/My Pages/index.html"_s, u"/home/u/日本語/ページ.twtemp"_s, u"/home/u/style.css"_s}};
+        QTest::newRow("after a relative path") << Launch{request(1, {QStringLiteral("page.html")}), true, page};
+        QTest::newRow("no answer: fails instead of running") << Launch{request(2, page), false, page};
     }
+
     void laterLaunchHandsOverItsPaths()
     {
-        QFETCH(QByteArray, brokenRequest);
-        QFETCH(bool, answered);
-        QFETCH(QStringList, paths);
+        QFETCH(Launch, row);
+        const auto &[brokenRequest, answered, paths] = row;
         TWSingleInstance running(storePath());
         QCOMPARE(running.start({}), TWSingleInstance::Outcome::Running);
         QSignalSpy handedOver(&running, &TWSingleInstance::filesHandedOver);
@@ -113,9 +114,9 @@ private Q_SLOTS:
         QVERIFY(crashed.waitForFinished(waitTimeout));
 
         QProcess launches[racers];
+        QList<int> statuses;
         for (int i = 0; i < racers; ++i)
             startLaunch(launches[i], TWSingleInstance::defaultAnswerTimeout, {QStringLiteral("/tmp/%1").arg(i)});
-        QList<int> statuses;
         for (QProcess &launch : launches)
             statuses << (launch.waitForFinished(2 * waitTimeout) ? launch.exitCode() : -1);
         QCOMPARE(statuses.count(int(TWSingleInstance::Outcome::HandedOver)), racers - 1);

@@ -1,30 +1,33 @@
 // The template window: halves and their copies, the apply flag, one undo history for both
-// halves, the active half, files, and state across launches (the default template at first).
+// halves, files, and state across launches (the default template at first).
+// (Undo and redo across the halves after a Replace All: tst_TWFindReplace; a new project
+// empties the window: tst_TWProject.)
 #include "documents/TWTemplateWindowController.h"
 
 #include "TWRecordingPreview.h"
 #include "TWTestEnvironment.h"
-#include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWTemplateText.h"
-#include "editor/TWUndoHistory.h"
 #include "editor/TWTemplateTextView.h"
-#include "platform/TWBeep.h"
+#include "editor/TWUndoHistory.h"
 #include "platform/TWLocalization.h"
 #include "platform/TWPanels.h"
 #include "platform/TWUserDefaults.h"
-#include "preferences/TWPreferences.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-constexpr int focusTimeout = 5000;
 constexpr char storedText[] = "a<<TAGWRIGHTTEMPLATEDIVIDER>>b";
+
+TWTemplateWindowController *window() { return TWTemplateWindowController::sharedTemplateController(); }
+
+// The window's entry in the store at a launch (none at the first), and whether the window
+// shows and the template applies then.
+struct Launch { QVariant defaults; bool shown; bool applied; };
 
 } // namespace
 
@@ -41,144 +44,83 @@ private Q_SLOTS:
     {
         TWInstallTranslations(QCoreApplication::instance());
         viewer.install();
-        TWPreferences::sharedPref()->setTextEncoding(3);
-        TWPreferences::sharedPref()->setReturnCode(1);
     }
 
-    // Edits of either half reach its copy and ask for a render; undo from either half walks
-    // back through both, newest first.
-    void bothHalvesShareOneUndoHistory()
+    // Typing in either half reaches its copy and asks for a render. Ctrl+Z in one half undoes
+    // the newest edit, made in the other; a template loaded afterwards has a history of its own.
+    void halvesShareOneUndoHistory()
     {
-        TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
-        window->loadTemplate(QStringLiteral("T<<TAGWRIGHTTEMPLATEDIVIDER>>B"));
-        TWTemplateTextView *top = window->topTextView();
-        TWTemplateTextView *bottom = window->bottomTextView();
+        window()->loadTemplate(u"T<<TAGWRIGHTTEMPLATEDIVIDER>>B"_s);
         const int timers = viewer.renderTimersFired;
-        top->setSelectedRange({1, 0});
-        QTest::keyClicks(top, QStringLiteral("1"));
-        bottom->setSelectedRange({1, 0});
-        QTest::keyClicks(bottom, QStringLiteral("2"));
-        top->setSelectedRange({2, 0});
-        QTest::keyClicks(top, QStringLiteral("3"));
-        QCOMPARE(window->getCombinedText(), QStringLiteral("T13<<TAGWRIGHTTEMPLATEDIVIDER>>B2"));
-        QCOMPARE(viewer.renderTimersFired, timers + 3);
-
-        bottom->performUndo();
-        QCOMPARE(window->getCombinedText(), QStringLiteral("T1<<TAGWRIGHTTEMPLATEDIVIDER>>B2"));
-        bottom->performUndo();
-        QCOMPARE(window->getCombinedText(), QStringLiteral("T1<<TAGWRIGHTTEMPLATEDIVIDER>>B"));
-        top->performRedo();
-        QCOMPARE(window->getCombinedText(), QStringLiteral("T1<<TAGWRIGHTTEMPLATEDIVIDER>>B2"));
-        // Ctrl+Z typed in a half goes to the shared history too.
-        top->setFocus();
-        QTest::keyClick(top, Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(window->getCombinedText(), QStringLiteral("T1<<TAGWRIGHTTEMPLATEDIVIDER>>B"));
-        // A template loaded afterwards starts a history of its own.
-        window->loadTemplate(QString());
-        QVERIFY(!window->undoHistory()->canUndo());
+        for (TWTemplateTextView *half : {window()->bottomTextView(), window()->topTextView()}) {
+            half->setSelectedRange({1, 0});
+            QTest::keyClicks(half, u"1"_s);
+        }
+        QCOMPARE(window()->getCombinedText(), u"T1<<TAGWRIGHTTEMPLATEDIVIDER>>B1"_s);
+        QCOMPARE(viewer.renderTimersFired, timers + 2);
+        QTest::keyClick(window()->bottomTextView(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(window()->getCombinedText(), u"T<<TAGWRIGHTTEMPLATEDIVIDER>>B1"_s);
+        window()->loadTemplate(QString());
+        QVERIFY(!window()->undoHistory()->canUndo());
     }
 
-    void activeHalfIsTheOneLastFocused()
-    {
-        TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window));
-        QApplication::setActiveWindow(window);
-        window->loadTemplate(QStringLiteral("abcdef<<TAGWRIGHTTEMPLATEDIVIDER>>ghi"));
-        window->topTextView()->setFocus();
-        TW_TRY_VERIFY_WITH_TIMEOUT(window->topTextView()->hasFocus(), focusTimeout);
-        window->topTextView()->setSelectedRange({2, 3});
-        window->bottomTextView()->setFocus();
-        TW_TRY_VERIFY_WITH_TIMEOUT(window->bottomTextView()->hasFocus(), focusTimeout);
-        QCOMPARE(window->activeTextView(), window->bottomTextView());
-        // The half that lost the focus starts its next search from the beginning.
-        QCOMPARE(window->topTextView()->selectedRange(), (TWRange{0, 0}));
-    }
-
+    // Files are read and written whole in the preferred encoding and line end (at first
+    // Shift_JIS and CR); Save As proposes the file's own name; a file that cannot be decoded
+    // changes nothing.
     void filesInPreferredEncoding()
     {
-        TWResetBeepCount();
-        TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
-        const QString path = dir.filePath(QStringLiteral("site.twtemp"));
-        QVERIFY(TWTestEnvironment::writeFile(path, "<p>\xe6\x97\xa5</p>\r\n<<TAGWRIGHTTEMPLATEDIVIDER>>\r\n<!-- end -->"));
-        QVERIFY(window->openTemplateFile(path));
-        QCOMPARE(window->getCombinedText(), QString::fromUtf8("<p>日</p>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n<!-- end -->"));
-
-        // Save As proposes the file's own name; the copy goes where that name leads.
-        TWPanels::setSavePanelHandler([this](const QString &name, const QStringList &) {
-            return std::optional(dir.filePath(QStringLiteral("copy of ") + name));
-        });
-        window->saveDocumentAs();
-        const QString copy = dir.filePath(QStringLiteral("copy of site.twtemp"));
-        QFile saved(copy);
-        QVERIFY(saved.open(QIODevice::ReadOnly));
-        QCOMPARE(saved.readAll(), QByteArray("<p>\xe6\x97\xa5</p>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n<!-- end -->"));
-
-        // An undecodable file beeps and changes nothing.
-        QVERIFY(TWTestEnvironment::writeFile(path, "\xff\xfe"));
-        QVERIFY(window->openTemplateFile(path));
-        QCOMPARE(TWBeepCount(), 1);
-        QCOMPARE(window->templateFilename(), copy);
-        QCOMPARE(window->topTextView()->string(), QString::fromUtf8("<p>日</p>\n"));
-
-        window->newDocument();
-        QCOMPARE(window->getCombinedText(), QStringLiteral("<<TAGWRIGHTTEMPLATEDIVIDER>>"));
-        QCOMPARE(window->templateFilename(), QString());
+        const QString path = dir.filePath(u"site.twtemp"_s), copy = dir.filePath(u"copy of site.twtemp"_s);
+        const QByteArray bytes = "<p>\x93\xfa</p>\r<<TAGWRIGHTTEMPLATEDIVIDER>>\r<!-- end -->";
+        QVERIFY(TWTestEnvironment::writeFile(path, QByteArray(bytes).replace('\r', "\r\n")));
+        QVERIFY(window()->openTemplateFile(path));
+        TWPanels::setSavePanelHandler([this](const QString &name, const QStringList &) { return std::optional(dir.filePath(u"copy of "_s + name)); });
+        window()->saveDocumentAs();
+        QCOMPARE(TWTestEnvironment::readFile(copy), bytes);
+        QVERIFY(TWTestEnvironment::writeFile(path, "\x82\xa0\xff\xff"));
+        QVERIFY(window()->openTemplateFile(path));
+        QCOMPARE(window()->templateFilename(), copy);
+        QCOMPARE(window()->getCombinedText(), u"<p>日</p>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n<!-- end -->"_s);
     }
 
-    // A flag is NO only when stored as "NO". Switching the template off empties the
-    // halves the page gets, never the window's.
+    // Without a stored state the window holds the default template; a flag is NO only when
+    // stored as "NO". Switching the template over changes the halves the page gets, never the
+    // window's. (What a project keeps of the window: tst_TWProject.)
     void stateComesBackAtNextLaunch_data()
     {
-        QTest::addColumn<QVariant>("defaults");
-        QTest::addColumn<bool>("shown");
-        QTest::addColumn<bool>("applied");
-        const QVariantMap stored{{QLatin1String(TWStateEntry::templateText), QLatin1String(storedText)},
-                                 {QLatin1String(TWStateEntry::templateFilename), QStringLiteral("/x/t.twtemp")}};
-        QVariantMap hidden = stored, notApplied = stored;
-        hidden.insert(QLatin1String(TWStateEntry::showWindow), QStringLiteral("NO"));
-        notApplied.insert(QLatin1String(TWStateEntry::applyTemplate), QStringLiteral("NO"));
-        QTest::newRow("none: the default template") << QVariant() << true << true;
-        QTest::newRow("hidden") << QVariant(hidden) << false << true;
-        QTest::newRow("not applied") << QVariant(notApplied) << true << false;
-        QTest::newRow("absent flags show and apply") << QVariant(stored) << true << true;
+        QTest::addColumn<Launch>("row");
+        const QString showWindow = QLatin1String(TWStateEntry::showWindow), applyTemplate = QLatin1String(TWStateEntry::applyTemplate);
+        const auto stored = [](QVariantMap flags) { // with a text and a file
+            flags.insert({{QLatin1String(TWStateEntry::templateText), QLatin1String(storedText)},
+                          {QLatin1String(TWStateEntry::templateFilename), u"/x/t.twtemp"_s}});
+            return QVariant(flags);
+        };
+        QTest::newRow("none: the default template") << Launch{QVariant(), true, true};
+        QTest::newRow("hidden, not applied") << Launch{stored({{showWindow, "NO"}, {applyTemplate, "NO"}}), false, false};
+        QTest::newRow("other flags show and apply") << Launch{stored({{showWindow, "no"}}), true, true};
     }
 
     void stateComesBackAtNextLaunch()
     {
-        QFETCH(QVariant, defaults);
-        QFETCH(bool, shown);
-        QFETCH(bool, applied);
-        const bool first = !defaults.isValid();
+        QFETCH(Launch, row);
+        const auto &[defaults, shown, applied] = row;
+        const QLatin1String windowKey(TWWindowDefaultsKey::templateWindow);
         TWUserDefaults *store = TWUserDefaults::standardUserDefaults();
-        store->removeObjectForKey(QLatin1String(TWWindowDefaultsKey::templateWindow));
-        if (!first)
-            store->setObject(defaults, QLatin1String(TWWindowDefaultsKey::templateWindow));
-        delete TWTemplateWindowController::sharedTemplateController();
+        store->removeObjectForKey(windowKey);
+        if (defaults.isValid())
+            store->setObject(defaults, windowKey);
+        delete window();
         TWUserDefaults::resetStandardUserDefaults();
 
-        TWTemplateWindowController *window = TWTemplateWindowController::sharedTemplateController();
-        const QString text = first ? TWTemplateText::builtInDefault() : QLatin1String(storedText);
-        QCOMPARE(window->getCombinedText(), text);
-        QCOMPARE(window->windowTitle(), first ? QStringLiteral("Template:> Untitled <") : QStringLiteral("Template:t.twtemp"));
-        QCOMPARE(window->bottomTemplateText().isEmpty(), !applied);
-        QCOMPARE(TWAppDelegate::sharedAppDelegate()->applyTemplateMenu->isChecked(), applied);
-        QCOMPARE(viewer.templateButtonStates.last(), applied);
-        window->loadTemplateAtAppLaunch();
-        QCOMPARE(window->isVisible(), shown);
-
-        const int renders = viewer.directRenderRequests;
-        window->toggleApplyTemplate();
-        QCOMPARE(viewer.directRenderRequests, renders + 1);
-        QCOMPARE(window->topTemplateText().isEmpty(), applied);
-        QCOMPARE(window->getCombinedText(), text);
-
-        // What is saved is what the window holds now.
-        window->saveWindowProperties();
-        const QVariantMap saved = *store->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::templateWindow));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::showWindow)).toString(), shown ? QStringLiteral("YES") : QStringLiteral("NO"));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::applyTemplate)).toString(), applied ? QStringLiteral("NO") : QStringLiteral("YES"));
-        QCOMPARE(saved.value(QLatin1String(TWStateEntry::templateText)).toString(), text);
+        const QString text = defaults.isValid() ? QLatin1String(storedText) : TWTemplateText::builtInDefault();
+        QCOMPARE(window()->getCombinedText(), text);
+        QCOMPARE(window()->windowTitle(), defaults.isValid() ? u"Template:t.twtemp"_s : u"Template:> Untitled <"_s);
+        window()->loadTemplateAtAppLaunch();
+        QCOMPARE(window()->isVisible(), shown);
+        window()->toggleApplyTemplate();
+        QCOMPARE(window()->topTemplateText().isEmpty(), applied);
+        QCOMPARE(window()->getCombinedText(), text);
+        window()->saveWindowProperties();
+        QCOMPARE(store->dictionaryForKey(windowKey)->value(QLatin1String(TWStateEntry::showWindow)), QVariant(shown ? u"YES"_s : u"NO"_s));
     }
 };
 

@@ -1,11 +1,9 @@
-// The HTML document window: title, default page, open, save, save as, new, and the text,
-// file name and flag that come back at the next launch.
+// The HTML document window: title, open, what a file that does not open says, save, save as,
+// new, the text colour drawn, and the text, file name and flag that come back at the next launch.
 #include "editor/TWEditWindowController.h"
 
-#include "TWTestEnvironment.h"
 #include "TWRecordingPreview.h"
-#include "app/TWAppDelegate.h"
-#include "app/TWStateKeys.h"
+#include "TWTestEnvironment.h"
 #include "editor/TWEditorTextView.h"
 #include "editor/TWTextFile.h"
 #include "platform/TWBeep.h"
@@ -16,16 +14,16 @@
 #include "preferences/TWPreferences.h"
 #include "preview/TWPageComposer.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
 
 const QString siteURL = QStringLiteral("http://localhost/site/");
+
+// A file opened with a preferred encoding: what the message says and the encoding it offers.
+struct OpenCase { QString name; QByteArray bytes; int preferred; QString said; QString offered; };
 
 } // namespace
 
@@ -43,6 +41,12 @@ private:
         delete TWEditWindowController::sharedEditWindowController();
         TWUserDefaults::resetStandardUserDefaults();
         return TWEditWindowController::sharedEditWindowController();
+    }
+
+    // What the window shows: text, file name, title, the viewer's base URL and the message.
+    QVariantList state(const TWEditWindowController *window) const
+    {
+        return {window->getText(), window->htmlFilename(), window->windowTitle(), viewer.baseURL, window->messageBar()->text()};
     }
 
 private Q_SLOTS:
@@ -63,105 +67,70 @@ private Q_SLOTS:
 
     void unopenableFileChangesNothingAndSaysWhy_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("preferred");
-        QTest::addColumn<QString>("said");
-        QTest::addColumn<QStringList>("offered");
+        QTest::addColumn<OpenCase>("row");
         const QByteArray utf8 = QString::fromUtf8("<p>日本語のページ</p>\n").toUtf8();
-        const QByteArray eucJP("<p>\xc6\xfc\xcb\xdc</p>\n");
-        QTest::newRow("UTF-8 read as Shift_JIS")
-            << "utf8.html" << utf8 << 0 << "not Shift_JIS text" << QStringList{"Open as UTF-8"};
+        QTest::newRow("UTF-8 read as Shift_JIS") << OpenCase{"utf8.html", utf8, 0, "not Shift_JIS text", "UTF-8"};
         QTest::newRow("EUC-JP read as UTF-8, non-ASCII name")
-            << QString::fromUtf8("ページ.html") << eucJP << 3 << "not UTF-8 text" << QStringList{"Open as EUC-JP"};
-        QTest::newRow("no text at all") << "bad.html" << QByteArray("ok \xff\xfe\x80\x1b$B\xff") << 3
-                                        << "nor text in any other encoding" << QStringList();
-        QTest::newRow("missing") << "missing.html" << QByteArray() << 3 << "could not be read" << QStringList();
+            << OpenCase{QString::fromUtf8("ページ.html"), "<p>\xc6\xfc\xcb\xdc</p>\n", 3, "not UTF-8 text", "EUC-JP"};
+        QTest::newRow("no text at all") << OpenCase{"bad.html", "ok \xff\xfe\x80\x1b$B\xff", 3, "nor text in any other encoding", {}};
+        QTest::newRow("missing") << OpenCase{"missing.html", {}, 3, "could not be read", {}};
     }
 
     void unopenableFileChangesNothingAndSaysWhy()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, preferred);
-        QFETCH(QString, said);
-        QFETCH(QStringList, offered);
+        QFETCH(OpenCase, row);
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        TWPreferences::sharedPref()->setTextEncoding(preferred);
-        const QString path = dir.filePath(name);
-        QVERIFY(bytes.isEmpty() || TWTestEnvironment::writeFile(path, bytes));
+        TWPreferences::sharedPref()->setTextEncoding(row.preferred);
+        const QString path = dir.filePath(row.name);
+        QVERIFY(row.bytes.isEmpty() || TWTestEnvironment::writeFile(path, row.bytes));
         window->loadHTML(QStringLiteral("<p>work in progress</p>"));
         window->setHTMLFilename(dir.filePath(QStringLiteral("mine.html")));
-
+        const QVariantList before = state(window);
         QVERIFY(window->openHTMLFile(path));
         QCOMPARE(TWBeepCount(), 1);
-        QCOMPARE(window->getText(), QStringLiteral("<p>work in progress</p>"));
-        QCOMPARE(window->htmlFilename(), dir.filePath(QStringLiteral("mine.html")));
-        if (!bytes.isEmpty())
-            QCOMPARE(TWTestEnvironment::readFile(path), bytes);
+        QCOMPARE(state(window).mid(0, 4), before.mid(0, 4));
         // The message names the file and the encoding, and offers those the file reads in.
-        TWMessageBar *bar = window->messageBar();
-        QVERIFY2(bar->text().contains(name) && bar->text().contains(said), qPrintable(bar->text()));
-        const QList<QPushButton *> buttons = bar->findChildren<QPushButton *>();
-        QStringList titles;
-        for (const QPushButton *button : buttons)
-            titles << button->text();
-        QCOMPARE(titles, offered);
-        if (offered.isEmpty()) {
+        const QString said = window->messageBar()->text();
+        QVERIFY2(said.contains(row.name) && said.contains(row.said), qPrintable(said));
+        const QList<QPushButton *> buttons = window->messageBar()->findChildren<QPushButton *>();
+        QCOMPARE(buttons.size(), row.offered.isEmpty() ? 0 : 1);
+        if (buttons.isEmpty()) {
             // It goes at the next new document, which clears the text, name and base URL.
             window->newDocument();
-            QCOMPARE(bar->text(), QString());
-            QCOMPARE(window->getText(), QString());
-            QCOMPARE(window->windowTitle(), QStringLiteral("HTML:> Untitled <"));
-            QCOMPARE(viewer.baseURL, QUrl(siteURL));
+            QCOMPARE(state(window), (QVariantList{QString(), QString(), "HTML:> Untitled <", QUrl(siteURL), QString()}));
             return;
         }
         // Opening in the offered encoding makes it the preferred one, and opens as any open.
-        const int renders = viewer.directRenderRequests;
-        buttons.last()->click();
-        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:") + name);
-        QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
-        QCOMPARE(viewer.directRenderRequests, renders + 1);
+        QCOMPARE(buttons.first()->text(), "Open as " + row.offered);
+        buttons.first()->click();
         QVERIFY(window->getText().startsWith(QString::fromUtf8("<p>日本")));
-        QCOMPARE(QString::fromLatin1(TWTextFile::encodingName(TWPreferences::sharedPref()->textEncoding())),
-                 offered.last().section(u' ', -1));
-        QCOMPARE(bar->text(), QString());
+        QCOMPARE(state(window).mid(1), (QVariantList{path, "HTML:" + row.name, TWPageComposer::fileURL(path), QString()}));
+        QCOMPARE(QString::fromLatin1(TWTextFile::encodingName(TWPreferences::sharedPref()->textEncoding())), row.offered);
     }
 
-    void plainTextShowsThePreferredColour_data()
-    {
-        QTest::addColumn<bool>("coloring");
-        QTest::newRow("tag colouring on") << true;
-        QTest::newRow("tag colouring off") << false;
-    }
-
+    // Plain text is drawn in the preferred colour (the colour actually drawn, not only the one
+    // the view holds), on the background colour made opaque where the desktop does not
+    // composite windows, as offscreen.
     void plainTextShowsThePreferredColour()
     {
-        // The colour actually drawn, not only the one the view holds.
-        QFETCH(bool, coloring);
         TWPreferences::sharedPref()->setEditorTextColor(QColor(0, 170, 0));
         TWEditWindowController *window = relaunch();
-        window->resize(500, 300);
         window->loadHTML(QStringLiteral("plain words without tags\n"));
-        window->setTagColoring(coloring);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
         window->textView()->setCursorWidth(0); // the caret is no plain text
         const QImage shot = window->textView()->viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
         const auto *first = reinterpret_cast<const QRgb *>(shot.constBits());
-        const auto count = [&](auto is) { return int(std::count_if(first, first + shot.width() * shot.height(), is)); };
-        const int greenish = count([](QRgb p) { return qGreen(p) > qMax(qRed(p), qBlue(p)) + 60; });
-        const int dark = count([](QRgb p) { return qMax(qMax(qRed(p), qGreen(p)), qBlue(p)) < 60; });
         TWPreferences::sharedPref()->setEditorTextColor(Qt::black);
         window->hide();
-        QVERIFY2(greenish > 20, qPrintable(QString::number(greenish)));
-        QCOMPARE(dark, 0);
-        // Offscreen there is no compositor: the window stays opaque and shows the colour itself.
-        QVERIFY(!window->testAttribute(Qt::WA_TranslucentBackground));
+        const auto greenish = [](QRgb p) { return qGreen(p) > qMax(qRed(p), qBlue(p)) + 60; };
+        QVERIFY(std::count_if(first, first + shot.width() * shot.height(), greenish) > 20);
         QCOMPARE(window->textView()->palette().color(QPalette::Base), QColor(Qt::white));
     }
 
-    void saveUsesPanelPreferredFormsAndKeepsWhatFails()
+    // Save asks for a file only when the document has none; what is saved, its file name, the
+    // auto indentation flag and the window size come back at the next launch.
+    void savedDocumentComesBackAtNextLaunch()
     {
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
         window->setHTMLFilename(QString());
@@ -169,108 +138,37 @@ private Q_SLOTS:
         TWPreferences::sharedPref()->setReturnCode(2);
         const QString path = dir.filePath(QStringLiteral("page.html"));
         std::optional<QString> answer;
-        QString proposed;
-        QStringList offered;
-        int asked = 0;
-        TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &extensions) {
-            ++asked;
-            proposed = name;
-            offered = extensions;
-            return answer;
-        });
+        QStringList proposed; // the name the panel proposed, each time it was shown
+        TWPanels::setSavePanelHandler([&](const QString &name, const QStringList &) { return proposed << name, answer; });
 
         // A cancelled panel changes nothing.
         window->saveDocument();
-        QCOMPARE(asked, 1);
         QCOMPARE(window->htmlFilename(), QString());
-        QCOMPARE(TWBeepCount(), 0);
-
         // Without a file, Save asks for one and writes the preferred encoding and line end.
         answer = path;
         window->saveDocument();
-        QCOMPARE(proposed, QString());
-        QCOMPARE(offered, (QStringList{QStringLiteral("html"), QStringLiteral("htm")}));
         QCOMPARE(TWTestEnvironment::readFile(path), QByteArray("<p>\x93\xfa\x96{</p>\r\n"));
-        QCOMPARE(window->windowTitle(), QStringLiteral("HTML:page.html"));
-        QCOMPARE(viewer.baseURL, TWPageComposer::fileURL(path));
-
+        QCOMPARE(state(window).mid(1, 3), (QVariantList{path, "HTML:page.html", TWPageComposer::fileURL(path)}));
         // Save As proposes the current name; Save with a file name writes without asking.
         answer.reset();
         window->saveDocumentAs();
-        QCOMPARE(proposed, QStringLiteral("page.html"));
         QCOMPARE(window->htmlFilename(), path);
         window->loadHTML(QStringLiteral("second\n"));
         window->saveDocument();
-        QCOMPARE(asked, 3);
+        QCOMPARE(proposed, (QStringList{QString(), QString(), QStringLiteral("page.html")}));
         QCOMPARE(TWTestEnvironment::readFile(path), QByteArray("second\r\n"));
 
-        // A target that cannot become a file (a folder) beeps and stays as it was.
-        window->saveHTMLFileAs(dir.path());
-        QCOMPARE(TWBeepCount(), 1);
-        QVERIFY(QFileInfo(dir.path()).isDir());
-    }
-
-    void stateComesBackAtNextLaunch()
-    {
-        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        window->loadHTML(QString::fromUtf8("<p>kept 日本</p>\n"));
-        window->setHTMLFilename(QStringLiteral("/site/kept.html"));
         window->textView()->setAutoIndentation(true);
         window->resize(512, 384);
         window->saveWindowProperties();
         TWUserDefaults::standardUserDefaults()->synchronize();
-
         window = relaunch();
-        QCOMPARE(window->getText(), QString::fromUtf8("<p>kept 日本</p>\n"));
-        QCOMPARE(window->htmlFilename(), QStringLiteral("/site/kept.html"));
+        QCOMPARE(state(window).mid(0, 3), (QVariantList{"second\n", path, "HTML:page.html"}));
         QVERIFY(window->textView()->autoIndentation());
         QCOMPARE(window->size(), QSize(512, 384));
-    }
-
-    void missingStateFallsBack_data()
-    {
-        QTest::addColumn<QVariant>("stored");
-        QTest::addColumn<bool>("defaultPageShown");
-        QTest::addColumn<QString>("filename");
-        QTest::addColumn<bool>("autoIndentation");
-        QVariantMap noText{{QStringLiteral("HTML Filename"), QStringLiteral("/a.html")},
-                           {QStringLiteral("Auto Indentation"), QStringLiteral("yes")}};
-        QVariantMap foreignTypes{{QStringLiteral("HTML Text"), 12},
-                                 {QStringLiteral("HTML Filename"), QVariantList()},
-                                 {QStringLiteral("Auto Indentation"), QStringLiteral("YES")}};
-        QTest::newRow("first launch") << QVariant() << true << QString() << false;
-        QTest::newRow("no text") << QVariant(noText) << true << QStringLiteral("/a.html") << false;
-        QTest::newRow("only text") << QVariant(QVariantMap{{QStringLiteral("HTML Text"), QStringLiteral("t")}})
-                                   << false << QString() << false;
-        QTest::newRow("foreign types") << QVariant(foreignTypes) << true << QString() << true;
-    }
-
-    void missingStateFallsBack()
-    {
-        QFETCH(QVariant, stored);
-        QFETCH(bool, defaultPageShown);
-        QFETCH(QString, filename);
-        QFETCH(bool, autoIndentation);
-        TWUserDefaults::standardUserDefaults()->setObject(stored, QLatin1String(TWWindowDefaultsKey::editorWindow));
-        TWUserDefaults::standardUserDefaults()->synchronize();
-        TWEditWindowController *window = relaunch();
-        const QString defaultPage = QString::fromLatin1(TWTestEnvironment::readFile(QStringLiteral(":/defaultPage.txt")));
-        QCOMPARE(window->getText() == defaultPage, defaultPageShown);
-        QCOMPARE(window->htmlFilename(), filename);
-        QCOMPARE(window->textView()->autoIndentation(), autoIndentation);
-    }
-
-    void autoIndentationToggleFollowsMenu()
-    {
-        TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        QAction *menu = TWAppDelegate::sharedAppDelegate()->autoIndentMenu;
-        window->textView()->setAutoIndentation(false);
-        QVERIFY(!menu->isChecked());
-        window->toggleAutoIndentation();
-        QVERIFY(window->textView()->autoIndentation() && menu->isChecked());
-        // The menu item itself toggles the same flag.
-        menu->trigger();
-        QVERIFY(!window->textView()->autoIndentation() && !menu->isChecked());
+        // A target that cannot become a file (a folder) beeps; nothing before did.
+        window->saveHTMLFileAs(dir.path());
+        QCOMPARE(TWBeepCount(), 1);
     }
 };
 

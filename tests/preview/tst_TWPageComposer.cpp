@@ -2,108 +2,65 @@
 // and link paths relative to the base URL.
 #include "preview/TWPageComposer.h"
 
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
+
+using namespace Qt::StringLiterals;
+
+// A base URL (none when empty), a file's path, and the path a link to it takes.
+struct Link { QString base; QString path; QString relative; };
 
 class tst_TWPageComposer : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void combinedPage_data()
-    {
-        QTest::addColumn<QString>("html");
-        QTest::addColumn<bool>("lineBreaks");
-        QTest::addColumn<QString>("page");
-        QTest::newRow("wrapped") << QStringLiteral("a\nb") << false << QStringLiteral("<body>\na\nb\n</body>");
-        QTest::newRow("line feeds become <br> in the HTML only")
-            << QStringLiteral("a\nb\n") << true << QStringLiteral("<body>\na<br>b<br>\n</body>");
-        QTest::newRow("CR LF keeps its CR") << QStringLiteral("a\r\nb") << true << QStringLiteral("<body>\na\r<br>b\n</body>");
-        QTest::newRow("inside tags and comments too")
-            << QStringLiteral("<pre>\n</pre><!--\n-->") << true << QStringLiteral("<body>\n<pre><br></pre><!--<br>-->\n</body>");
-    }
-
+    // While line breaks are validated every line feed of the HTML becomes <br>: after a CR,
+    // inside tags and comments too, but never one of the template's.
     void combinedPage()
     {
-        QFETCH(QString, html);
-        QFETCH(bool, lineBreaks);
-        QFETCH(QString, page);
-        QCOMPARE(TWPageComposer::combinedPage(QStringLiteral("<body>\n"), html, QStringLiteral("\n</body>"), lineBreaks),
-                 page);
+        const QString html = u"a\r\nb<pre>\n</pre><!--\n-->"_s;
+        QCOMPARE(TWPageComposer::combinedPage(u"<body>\n"_s, html, u"\n</body>"_s, false), u"<body>\n"_s + html + u"\n</body>"_s);
+        QCOMPARE(TWPageComposer::combinedPage(u"<body>\n"_s, html, u"\n</body>"_s, true),
+                 u"<body>\na\r<br>b<pre><br></pre><!--<br>-->\n</body>"_s);
     }
 
-    void reloadingFileIsUTF8WithAByteOrderMarkThenBaseAndLinkLines()
+    // The temporary page file: a base line, the style sheet's link line (for the external
+    // browsers), then the page. (Its byte-order mark and the base line at work: the Clear Cache
+    // of tst_TWViewWindowController.)
+    void reloadingFile()
     {
-        QCOMPARE(TWPageComposer::reloadingFileText(QStringLiteral("http://localhost/"), QString(), QStringLiteral("x")),
-                 QStringLiteral("<base href=\"http://localhost/\">\rx"));
-        QTemporaryDir dir;
-        const QString folder = dir.filePath(QStringLiteral("data/Tagwright"));
-        const QString path = TWPageComposer::writeReloadingFile(
-            folder, TWPageComposer::reloadingFileText(QStringLiteral("file://localhost/site/a.html"),
-                                                      QStringLiteral("/site/my style.css"),
-                                                      QString::fromUtf8("<!DOCTYPE html>\n<p>日本</p>")));
-        QCOMPARE(path, folder + QStringLiteral("/Tagwright_tmp.html"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("\xef\xbb\xbf<base href=\"file://localhost/site/a.html\">\r"
-                                            "<link rel=stylesheet href=\"/site/my style.css\" type=\"text/css\">\r"
-                                            "<!DOCTYPE html>\n<p>\xe6\x97\xa5\xe6\x9c\xac</p>"));
-
-        // Something else in the folder's place: nothing is written, the path still comes back.
-        const QString blocked = dir.filePath(QStringLiteral("blocked"));
-        QFile blocker(blocked);
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
-        QCOMPARE(TWPageComposer::writeReloadingFile(blocked, QStringLiteral("x")), blocked + QStringLiteral("/Tagwright_tmp.html"));
-        QVERIFY(!QFile::exists(blocked + QStringLiteral("/Tagwright_tmp.html")));
+        QCOMPARE(TWPageComposer::reloadingFileText(u"http://localhost/"_s, u"/site/my style.css"_s, u"x"_s),
+                 u"<base href=\"http://localhost/\">\r<link rel=stylesheet href=\"/site/my style.css\" type=\"text/css\">\rx"_s);
     }
 
-    void baseURLsFromText_data()
+    // Only an absolute URL is a base; a chosen file is one as a file URL on localhost.
+    void baseURLs()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("absolute");
-        QTest::newRow("http") << QStringLiteral("http://localhost/") << QStringLiteral("http://localhost/");
-        QTest::newRow("empty is none") << QString() << QString();
-        QTest::newRow("relative is none") << QStringLiteral("index.html") << QString();
-        QTest::newRow("broken is none") << QStringLiteral("http://exa mple.com/") << QString();
-    }
-
-    void baseURLsFromText()
-    {
-        QFETCH(QString, text);
-        QFETCH(QString, absolute);
-        const std::optional<QUrl> url = TWPageComposer::baseURLFromString(text);
-        QCOMPARE(url ? TWPageComposer::absoluteString(*url) : QString(), absolute);
+        QCOMPARE(TWPageComposer::absoluteString(*TWPageComposer::baseURLFromString(u"http://localhost/"_s)), u"http://localhost/"_s);
+        for (const QString &text : {QString(), u"index.html"_s, u"http://exa mple.com/"_s})
+            QVERIFY2(!TWPageComposer::baseURLFromString(text), qPrintable(text));
+        QCOMPARE(TWPageComposer::absoluteString(TWPageComposer::fileURL(u"/site/page one.html"_s)), u"file://localhost/site/page%20one.html"_s);
     }
 
     void relativePaths_data()
     {
-        QTest::addColumn<QString>("base");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("relative");
-        const auto row = [](const char *name, const char *base, const char *path, const char *relative) {
-            QTest::newRow(name) << QString::fromUtf8(base) << QString::fromUtf8(path) << QString::fromUtf8(relative);
-        };
-        const char *site = "file://localhost/Users/someone/site/index.html";
-        row("below the base", site, "/Users/someone/site/img/logo.gif", "img/logo.gif");
-        row("beside the base", site, "/Users/someone/site/a.html", "a.html");
-        row("elsewhere: the bare name", site, "/Users/someone/other/b.gif", "b.gif");
-        row("case matters", site, "/users/someone/site/a.html", "a.html");
-        row("http base: the bare name", "http://localhost/site/", "/site/c.png", "c.png");
-        row("no base: the bare name", "", "/x/y.png", "y.png");
-        row("escaped folder never matches", "file://localhost/my%20site/index.html", "/my site/img.png", "img.png");
-        row("folder base", "file://localhost/site/", "/site/img/a.png", "img/a.png");
-        row("plain file URL", "file:///site/index.html", "/site/a.png", "a.png");
+        QTest::addColumn<Link>("row");
+        // Each path not below the base is in a folder under the base's name, so that only the
+        // bare name shows that the base was not taken.
+        const QString site = u"file://localhost/Users/someone/site/index.html"_s;
+        QTest::newRow("below the base") << Link{site, u"/Users/someone/site/img/logo.gif"_s, u"img/logo.gif"_s};
+        QTest::newRow("elsewhere: the bare name") << Link{site, u"/Users/someone/other/b.gif"_s, u"b.gif"_s};
+        QTest::newRow("case matters") << Link{site, u"/users/someone/site/img/a.html"_s, u"a.html"_s};
+        QTest::newRow("http base: the bare name") << Link{u"http://localhost/site/"_s, u"/site/img/c.png"_s, u"c.png"_s};
+        QTest::newRow("no base: the bare name") << Link{QString(), u"/x/y.png"_s, u"y.png"_s};
+        QTest::newRow("escaped folder never matches") << Link{u"file://localhost/my%20site/index.html"_s, u"/my site/img/a.png"_s, u"a.png"_s};
+        QTest::newRow("folder base") << Link{u"file://localhost/site/"_s, u"/site/img/a.png"_s, u"img/a.png"_s};
     }
 
     void relativePaths()
     {
-        QFETCH(QString, base);
-        QFETCH(QString, path);
-        QFETCH(QString, relative);
-        const std::optional<QUrl> url = base.isEmpty() ? std::nullopt : std::optional<QUrl>(QUrl(base));
-        QCOMPARE(TWPageComposer::relativePathToBaseURL(url, path), relative);
+        QFETCH(Link, row);
+        QCOMPARE(TWPageComposer::relativePathToBaseURL(row.base.isEmpty() ? std::nullopt : std::optional(QUrl(row.base)), row.path), row.relative);
     }
 };
 

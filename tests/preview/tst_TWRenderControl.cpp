@@ -3,6 +3,9 @@
 
 #include <QTest>
 
+// Whether auto-rendering is on, whether the application is launching, and the renders due.
+struct Case { bool autoRender; bool launching; int renders; };
+
 class tst_TWRenderControl : public QObject
 {
     Q_OBJECT
@@ -10,37 +13,32 @@ class tst_TWRenderControl : public QObject
 private Q_SLOTS:
     void requests_data()
     {
-        QTest::addColumn<bool>("autoRender");
-        QTest::addColumn<bool>("launching");
-        QTest::addColumn<int>("renders");
+        QTest::addColumn<Case>("row");
         // A direct request, then one render for a burst of three timers.
-        QTest::newRow("due") << true << false << 2;
-        QTest::newRow("auto-rendering off") << false << false << 0;
+        QTest::newRow("due") << Case{true, false, 2};
+        QTest::newRow("auto-rendering off") << Case{false, false, 0};
         // A timer started while launching would render a second time after the launch.
-        QTest::newRow("launching") << true << true << 0;
+        QTest::newRow("launching") << Case{true, true, 0};
     }
 
     void requests()
     {
-        QFETCH(bool, autoRender);
-        QFETCH(bool, launching);
-        QFETCH(int, renders);
+        QFETCH(Case, row);
         TWRenderControl control;
         int count = 0;
         control.render = [&count] { ++count; };
-        control.isLaunching = [&launching] { return launching; };
-        control.setAutoRender(autoRender);
+        control.isLaunching = [&row] { return row.launching; };
+        control.setAutoRender(row.autoRender);
         control.setSuspensionTime(0.05);
         control.renderIfAutorender();
         for (int change = 0; change < 3; ++change)
             control.fireRenderTimer();
-        // A toggle meanwhile asks directly and is held back by the pending timers.
-        const int before = count;
+        // A toggle meanwhile asks directly and is held back by the pending timers (else one
+        // render more).
         control.renderIfAutorender();
-        QCOMPARE(count, before);
-        launching = false;
+        row.launching = false;
         QTRY_COMPARE(control.timerCount(), 0);
-        QCOMPARE(count, renders);
+        QCOMPARE(count, row.renders);
     }
 };
 

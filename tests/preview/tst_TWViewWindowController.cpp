@@ -1,5 +1,5 @@
 // The viewer with the real browser engine, launched as the application launches it: what it
-// shows and keeps, its window, its flags and base URL, and the external browsers.
+// shows and keeps, how it fails, its buttons and menus, and the external browsers.
 #include "preview/TWViewWindowController.h"
 
 #include "TWTestEnvironment.h"
@@ -12,12 +12,10 @@
 #include "platform/TWLocalization.h"
 #include "platform/TWPaths.h"
 #include "platform/TWUserDefaults.h"
-#include "platform/TWWindowOrder.h"
 #include "preview/TWExternalBrowser.h"
 #include "preview/TWPageComposer.h"
 
 #include <QAction>
-#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -25,17 +23,19 @@
 #include <QWebEnginePage>
 #include <QWebEngineView>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int loadTimeout = 30000;
 // The menu commands that load the page.
-const QString renderNow = QStringLiteral("&Render Now"), clearCache = QStringLiteral("C&lear Cache");
-const QString saveCSSAndClearCache = QStringLiteral("Save CSS and Clear Cache");
+const QString renderNow = u"&Render Now"_s, clearCache = u"C&lear Cache"_s, saveCSSAndClearCache = u"Save CSS and Clear Cache"_s;
 
-TWViewWindowController *viewer()
-{
-    return TWViewWindowController::sharedViewWindowController();
-}
+TWViewWindowController *viewer() { return TWViewWindowController::sharedViewWindowController(); }
+
+// A page's title, its paragraphs of text, the command that loads it, and what became of the
+// style sheet before.
+struct Load { QString title; int paragraphs; QString command; QString styleSheet; };
 
 // Runs a script in the page and waits for its answer.
 QVariant evaluate(const QString &script)
@@ -45,26 +45,19 @@ QVariant evaluate(const QString &script)
     return TWTestEnvironment::waitFor([&answer] { return answer.has_value(); }, loadTimeout) ? *answer : QVariant();
 }
 
-// Starts a load once the viewer is idle and waits until the engine has finished; answers
-// whether it succeeded.
-bool loadAndWait(const std::function<void()> &load)
-{
-    if (!TWTestEnvironment::waitFor([] { return !viewer()->isLoading(); }, loadTimeout))
-        return false;
-    QSignalSpy ended(viewer(), &TWViewWindowController::loadEnded);
-    load();
-    return TWTestEnvironment::waitFor([&ended] { return !ended.isEmpty(); }, loadTimeout) && ended.last().first().toBool();
-}
-
-// Puts the page into the HTML window and loads it with the menu command of that title.
+// Once the viewer is idle, puts the page into the HTML window and loads it with the menu
+// command of that title, and waits until the engine has finished; answers whether the load
+// succeeded.
 bool show(const QString &html, const QString &command = renderNow)
 {
     TWEditWindowController::sharedEditWindowController()->textView()->setString(html);
-    return loadAndWait([&command] {
-        for (QAction *action : TWAppDelegate::sharedAppDelegate()->findChildren<QAction *>())
-            if (action->text() == command)
-                action->trigger();
-    });
+    if (!TWTestEnvironment::waitFor([] { return !viewer()->isLoading(); }, loadTimeout))
+        return false;
+    QSignalSpy ended(viewer(), &TWViewWindowController::loadEnded);
+    for (QAction *action : TWAppDelegate::sharedAppDelegate()->findChildren<QAction *>())
+        if (action->text() == command)
+            action->trigger();
+    return TWTestEnvironment::waitFor([&ended] { return !ended.isEmpty(); }, loadTimeout) && ended.last().first().toBool();
 }
 
 } // namespace
@@ -82,160 +75,110 @@ private Q_SLOTS:
         TWInstallTranslations(QCoreApplication::instance());
         TWPreview::setFactory([] { return TWViewWindowController::sharedViewWindowController(); });
         TWAppDelegate::sharedAppDelegate()->applicationWillFinishLaunching();
-        QSignalSpy requested(viewer(), &TWViewWindowController::pageRequested);
         TWAppDelegate::sharedAppDelegate()->applicationDidFinishLaunching();
-        // Every render timer started meanwhile has fired, and the launch rendered once.
+        // Every render timer started meanwhile has fired; from here on only the tests' own
+        // requests render.
         TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->timerCount(), 0, loadTimeout);
-        QCOMPARE(requested.count(), 1);
-        // From here on only the tests' own requests render.
         viewer()->setAutoRender(false);
         QVERIFY(QTest::qWaitForWindowExposed(viewer()));
     }
 
     void init()
     {
+        // The template declares Shift_JIS, which only the page file's byte-order mark outweighs.
         TWTemplateWindowController::sharedTemplateController()->loadTemplate(
-            QStringLiteral("<html><head></head><body>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n</body></html>"));
-        viewer()->setBaseURL(TWPageComposer::fileURL(site.filePath(QStringLiteral("index.html"))));
-        viewer()->setApplyCSS(false);
+            u"<html><head><meta http-equiv=\"Content-Type\" content=\"text/html; charset=Shift_JIS\"></head><body>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n"_s);
+        viewer()->setBaseURL(TWPageComposer::fileURL(site.filePath(u"index.html"_s)));
         viewer()->setWindowTitle(QString());
     }
 
-    void pagesRenderWholeAgainstTheBaseURL_data()
+    // Every way a page loads: handed over, too large to hand over (over the engine's own limit
+    // of 2 MB), or as the temporary page file, which reads as the rendered page whatever the
+    // template declares. The page is whole, against the base URL, titles the window, and has the
+    // style sheet as saved at that moment (in a frame too, below the page's own rules) or none.
+    void pagesLoadWholeWithTitleAndStyleSheet_data()
     {
-        QTest::addColumn<int>("paragraphs");
-        QTest::newRow("small") << 1;
-        // Over the engine's own limit of 2 MB for a page handed over directly.
-        QTest::newRow("over the hand-over limit") << 60000;
+        QTest::addColumn<Load>("row");
+        const QString japanese = u"日本語 ©"_s;
+        QTest::newRow("small, sheet saved") << Load{japanese, 1, renderNow, u"saved"_s};
+        QTest::newRow("over the hand-over limit, sheet saved") << Load{japanese, 60000, renderNow, u"saved"_s};
+        QTest::newRow("untitled, sheet switched off") << Load{QString(), 1, renderNow, u"off"_s};
+        QTest::newRow("untitled, Clear Cache, sheet gone") << Load{QString(), 1, clearCache, u"removed"_s};
+        QTest::newRow("sheet saved in its window, Save CSS and Clear Cache") << Load{japanese, 1, saveCSSAndClearCache, u"in its window"_s};
     }
 
-    void pagesRenderWholeAgainstTheBaseURL()
+    void pagesLoadWholeWithTitleAndStyleSheet()
     {
-        QFETCH(int, paragraphs);
-        QVERIFY(TWTestEnvironment::writeFile(site.filePath(QStringLiteral("logo.svg")), "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='17'/>"));
-        QVERIFY(show(QStringLiteral("<title>Whole</title><img id=logo src=\"logo.svg\">\n")
-                     + QStringLiteral("<p>more & more text to make it large</p>\n").repeated(paragraphs)));
-        QCOMPARE(evaluate(QStringLiteral("document.getElementsByTagName('p').length")).toInt(), paragraphs);
-        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("logo.naturalWidth + 'x' + logo.naturalHeight")).toString(),
-                                  QStringLiteral("33x17"), loadTimeout);
-        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->windowTitle(), QStringLiteral("Whole"), loadTimeout);
-    }
-
-    void windowTitleIsThePageTitle_data()
-    {
-        QTest::addColumn<QString>("head");
-        QTest::addColumn<QString>("html");
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("title");
-        QTest::newRow("none") << QString() << QStringLiteral("<p>x</p>") << renderNow << QStringLiteral("(No Title)");
-        QTest::newRow("none, Clear Cache") << QString() << QStringLiteral("<p>x</p>") << clearCache << QStringLiteral("(No Title)");
-        // The temporary page file reads as the rendered page whatever the template declares.
-        const QString japanese = QStringLiteral("<title>日本語 ©</title>"), title = QStringLiteral("日本語 ©");
-        const QString declared = QStringLiteral("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=%1\">");
-        QTest::newRow("Shift_JIS declared, Clear Cache") << declared.arg(QStringLiteral("Shift_JIS")) << japanese << clearCache << title;
-        QTest::newRow("EUC-JP declared, Clear Cache") << declared.arg(QStringLiteral("EUC-JP")) << japanese << clearCache << title;
-    }
-
-    void windowTitleIsThePageTitle()
-    {
-        QFETCH(QString, head);
-        QFETCH(QString, html);
-        QFETCH(QString, command);
-        QFETCH(QString, title);
-        TWTemplateWindowController::sharedTemplateController()->loadTemplate(
-            QStringLiteral("<html><head>%1</head><body>\n<<TAGWRIGHTTEMPLATEDIVIDER>>\n</body></html>").arg(head));
-        QVERIFY(show(html, command));
-        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->windowTitle(), title, loadTimeout);
-    }
-
-    void styleSheetIsTheFileAsSavedAtEachLoad_data()
-    {
-        // What becomes of the style sheet after it was switched on, and the colours it leaves in
-        // the page, in a frame, and where the page has a rule of its own.
-        QTest::addColumn<QString>("change");
-        QTest::addColumn<QString>("colors");
-        const QString green = QStringLiteral("rgb(0, 128, 0) rgb(0, 128, 0) rgb(1, 2, 3)");
-        QTest::newRow("saved, Render Now") << QStringLiteral("saved") << green;
-        QTest::newRow("saved in its window, Save CSS and Clear Cache") << saveCSSAndClearCache << green;
-        QTest::newRow("switched off") << QStringLiteral("off") << QStringLiteral("rgb(0, 0, 0) rgb(0, 0, 0) rgb(1, 2, 3)");
-        QTest::newRow("file gone") << QStringLiteral("removed") << QStringLiteral("rgb(0, 0, 0) rgb(0, 0, 0) rgb(1, 2, 3)");
-    }
-
-    void styleSheetIsTheFileAsSavedAtEachLoad()
-    {
-        QFETCH(QString, change);
-        QFETCH(QString, colors);
-        const QString path = site.filePath(QStringLiteral("style.css"));
+        QFETCH(Load, row);
+        const auto &[title, paragraphs, command, styleSheet] = row;
+        const QString path = site.filePath(u"style.css"_s);
         const QByteArray css = "p, b { color: rgb(0, 128, 0); }\n";
-        TWTestEnvironment::writeFile(path, "p, b { color: red; }\n");
-        TWCSSWindowController *styleSheet = TWCSSWindowController::sharedCSSController();
-        styleSheet->setCSSFilename(path);
-        viewer()->setApplyCSS(true);
-        if (change == saveCSSAndClearCache)
-            styleSheet->loadCSS(QString::fromUtf8(css));
-        else if (change == QLatin1String("saved"))
+        QVERIFY(TWTestEnvironment::writeFile(path, "p, b { color: red; }\n"));
+        QVERIFY(TWTestEnvironment::writeFile(site.filePath(u"logo.svg"_s), "<svg xmlns='http://www.w3.org/2000/svg' width='33' height='17'/>"));
+        TWCSSWindowController::sharedCSSController()->setCSSFilename(path);
+        viewer()->setApplyCSS(styleSheet != "off"_L1);
+        if (styleSheet == "in its window"_L1)
+            TWCSSWindowController::sharedCSSController()->loadCSS(QString::fromUtf8(css));
+        else if (styleSheet == "saved"_L1)
             QVERIFY(TWTestEnvironment::writeFile(path, css));
-        else if (change == QLatin1String("removed"))
+        else if (styleSheet == "removed"_L1)
             QFile::remove(path);
-        else
-            viewer()->setApplyCSS(false);
-        QVERIFY(show(QStringLiteral("<style>b { color: rgb(1, 2, 3) }</style><p id=t>x <b id=own>y</b></p>"
-                                    "<iframe srcdoc=\"<p id=t>x</p>\"></iframe>"),
-                     change == saveCSSAndClearCache ? change : renderNow));
-        const QString script = QStringLiteral("[t, frames[0].t, own].map(e => getComputedStyle(e).color).join(' ')");
-        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(script).toString(), colors, loadTimeout);
+        QVERIFY(show(u"<title>%1</title><img id=logo src=\"logo.svg\"><style>b { color: rgb(1, 2, 3) }</style>"
+                     "<p id=t>x <b id=own>y</b></p><iframe srcdoc=\"<p id=t>x</p>\"></iframe>\n"_s.arg(title)
+                         + u"<p>more & more text to make it large</p>\n"_s.repeated(paragraphs),
+                     command));
+        QCOMPARE(evaluate(u"document.getElementsByTagName('p').length"_s).toInt(), paragraphs + 1);
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(u"logo.naturalWidth + 'x' + logo.naturalHeight"_s).toString(), u"33x17"_s, loadTimeout);
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->windowTitle(), title.isEmpty() ? u"(No Title)"_s : title, loadTimeout);
+        const QString color = styleSheet == "saved"_L1 || styleSheet == "in its window"_L1 ? u"rgb(0, 128, 0)"_s : u"rgb(0, 0, 0)"_s;
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(u"[t, frames[0].t, own].map(e => getComputedStyle(e).color).join(' ')"_s).toString(),
+                                    color + u' ' + color + u" rgb(1, 2, 3)"_s, loadTimeout);
     }
 
     void rerenderKeepsTheScrollPosition()
     {
-        QVERIFY(show(QStringLiteral("<p>line</p>\n").repeated(400)));
-        evaluate(QStringLiteral("window.scrollTo(0, 3000)"));
+        QVERIFY(show(u"<p>line</p>\n"_s.repeated(400)));
+        evaluate(u"window.scrollTo(0, 3000)"_s);
         TW_TRY_VERIFY_WITH_TIMEOUT(viewer()->webView()->page()->scrollPosition().y() > 2900, loadTimeout);
-        QVERIFY(show(QStringLiteral("<p>line</p>\n").repeated(401)));
-        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(QStringLiteral("window.scrollY")).toInt(), 3000, loadTimeout);
+        QVERIFY(show(u"<p>line</p>\n"_s.repeated(401)));
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(u"window.scrollY"_s).toInt(), 3000, loadTimeout);
     }
 
     void stopRenderingEndsARunawayPage()
     {
-        TWEditWindowController::sharedEditWindowController()->textView()->setString(
-            QStringLiteral("<script>document.title = 'spinning'; for (;;) {}</script>"));
+        TWEditWindowController::sharedEditWindowController()->textView()->setString(u"<script>document.title = 'spinning'; for (;;) {}</script>"_s);
         viewer()->renderNow();
-        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->webView()->page()->title(), QStringLiteral("spinning"), loadTimeout);
+        TW_TRY_COMPARE_WITH_TIMEOUT(viewer()->webView()->page()->title(), u"spinning"_s, loadTimeout);
         viewer()->stopRendering();
         // The next render works, in a fresh page process.
-        QVERIFY(show(QStringLiteral("<p>after</p>")));
+        QVERIFY(show(u"<p>after</p>"_s));
     }
 
+    // A load that fails says why, until the next good load.
     void loadErrorsAreDescribed_data()
     {
         QTest::addColumn<QUrl>("url");
         QTest::addColumn<QString>("status");
-        QTest::newRow("no file") << QUrl::fromLocalFile(site.filePath(QStringLiteral("gone"))) << QStringLiteral("The file was not found.");
-        QTest::newRow("other error") << QUrl("http://127.0.0.1:1/") << QStringLiteral("The page could not be loaded (unsafe port).");
+        QTest::newRow("no file") << QUrl::fromLocalFile(site.filePath(u"gone"_s)) << u"The file was not found."_s;
+        QTest::newRow("other error") << QUrl(u"http://127.0.0.1:1/"_s) << u"The page could not be loaded (unsafe port)."_s;
     }
 
     void loadErrorsAreDescribed()
     {
         QFETCH(QUrl, url);
         QFETCH(QString, status);
-        QVERIFY(!loadAndWait([url] { viewer()->webView()->page()->load(url); }));
+        QSignalSpy ended(viewer(), &TWViewWindowController::loadEnded);
+        viewer()->webView()->page()->load(url);
+        QVERIFY(ended.wait(loadTimeout) && !ended.last().first().toBool());
         QCOMPARE(viewer()->statusText(), status);
-        // The next good load empties it.
-        QVERIFY(show(QStringLiteral("<p>fine</p>")));
+        QVERIFY(show(u"<p>fine</p>"_s));
         QCOMPARE(viewer()->statusText(), QString());
     }
 
-    void renderNowBringsBackAMinimisedViewer()
+    // A button pressed means off, a menu check mark means on; either one switches the flag,
+    // and the flags with the base URL are what the window keeps for the next launch.
+    void buttonsAndMenusFollowTheFlagsWhichAreKept()
     {
-        viewer()->showMinimized();
-        TW_TRY_VERIFY_WITH_TIMEOUT(viewer()->isMinimized(), loadTimeout);
-        QVERIFY(show(QStringLiteral("<p>back</p>")));
-        QVERIFY(TWWindowOrder::isWindowVisible(viewer()));
-    }
-
-    void buttonsAndMenusFollowTheFlags()
-    {
-        // A button pressed means off, a menu check mark means on; either one switches the flag.
         const TWAppDelegate *app = TWAppDelegate::sharedAppDelegate();
         for (const auto &[name, menu] : {std::pair{"autoRenderButton", app->autoRenderingMenu}, std::pair{"cssButton", app->applyCSSMenu},
                                          std::pair{"lineBreakValidationButton", app->lineBreakValidationMenuItem},
@@ -247,50 +190,28 @@ private Q_SLOTS:
                 QVERIFY2(menu->isChecked() != wasOn && button->isChecked() == wasOn, name);
             }
         }
-    }
-
-    void baseURLFieldAndChooser()
-    {
-        auto *field = viewer()->findChild<QLineEdit *>(QStringLiteral("baseURLField"));
-        viewer()->choseBaseURLFiles({QStringLiteral("/a.html"), QStringLiteral("/b.html")});
-        QCOMPARE(field->text(), QStringLiteral("Choose exactly one file."));
-        viewer()->choseBaseURLFiles({QStringLiteral("/site/page one.html")});
-        QCOMPARE(field->text(), QStringLiteral("file://localhost/site/page%20one.html"));
-        field->setText(QStringLiteral("no url at all"));
-        viewer()->inputBaseURL();
-        QVERIFY(!viewer()->baseURL() && field->text().isEmpty());
-    }
-
-    void windowStateIsSaved()
-    {
-        viewer()->setBaseURLWithString(QStringLiteral("http://localhost/kept/"));
+        viewer()->setBaseURLWithString(u"http://localhost/kept/"_s);
         viewer()->setApplyCSS(true);
+        viewer()->setAutoRender(false);
         viewer()->saveWindowProperties();
         using namespace TWStateEntry;
-        const QVariantMap expected = {{QLatin1String(baseURL), QStringLiteral("http://localhost/kept/")},
-                                      {QLatin1String(autoRendering), "NO"}, {QLatin1String(applyCSS), "YES"},
-                                      {QLatin1String(validateLineBreak), "NO"}};
-        QCOMPARE(*TWUserDefaults::standardUserDefaults()->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::viewerWindow)),
-                 expected);
+        const QVariantMap expected = {{QLatin1String(baseURL), u"http://localhost/kept/"_s}, {QLatin1String(autoRendering), "NO"},
+                                      {QLatin1String(applyCSS), "YES"}, {QLatin1String(validateLineBreak), "NO"}};
+        QCOMPARE(*TWUserDefaults::standardUserDefaults()->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::viewerWindow)), expected);
     }
 
     void externalBrowsersGetTheTemporaryFile()
     {
         // A stand-in browser that writes down what it was asked to open.
-        const QString record = site.filePath(QStringLiteral("opened.txt")), browser = site.filePath(QStringLiteral("browser"));
-        QVERIFY(TWTestEnvironment::writeFile(browser, QStringLiteral("#!/bin/sh\nprintf '%s' \"$1\" > '%1'\n").arg(record).toUtf8()));
-        QFile::setPermissions(browser, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-        viewer()->viewOnApp(browser);
-        const auto opened = [&record] { QFile file(record); return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray(); };
-        TW_TRY_COMPARE_WITH_TIMEOUT(opened(), (TWApplicationDataFolder() + QStringLiteral("/Tagwright_tmp.html")).toUtf8(), loadTimeout);
-
+        const QString record = site.filePath(u"opened.txt"_s), browser = site.filePath(u"browser"_s);
+        viewer()->viewOnApp(TWTestEnvironment::writeScript(browser, "printf '%s' \"$1\" > '" + record.toUtf8() + '\''));
+        TW_TRY_COMPARE_WITH_TIMEOUT(TWTestEnvironment::readFile(record), (TWApplicationDataFolder() + u"/Tagwright_tmp.html"_s).toUtf8(), loadTimeout);
         // A browser given by its .desktop file starts through its Exec line.
-        const QString desktop = site.filePath(QStringLiteral("fake.desktop"));
-        QVERIFY(TWTestEnvironment::writeFile(desktop, "[Desktop Entry]\nExec=\"my browser\" --new %U\n[Desktop Action x]\nExec=wrong\n"));
-        QCOMPARE(TWExternalBrowser::commandFor(desktop, QStringLiteral("/p")), (QStringList{"my browser", "--new", "file:///p"}));
+        QVERIFY(TWTestEnvironment::writeFile(browser + u".desktop"_s, "[Desktop Entry]\nExec=\"my web\" --new %U\n[Desktop Action x]\nExec=no\n"));
+        QCOMPARE(TWExternalBrowser::commandFor(browser + u".desktop"_s, u"/p"_s), (QStringList{u"my web"_s, u"--new"_s, u"file:///p"_s}));
         // One that does not exist, or cannot run, opens nothing.
-        for (const QString &unusable : {site.filePath(QStringLiteral("missing")), record})
-            QVERIFY(TWExternalBrowser::commandFor(unusable, QStringLiteral("/p")).isEmpty());
+        for (const QString &unusable : {site.filePath(u"missing"_s), record})
+            QVERIFY(TWExternalBrowser::commandFor(unusable, u"/p"_s).isEmpty());
     }
 };
 

@@ -3,6 +3,7 @@
 #include "taglib/TWInsertTagPaletteController.h"
 
 #include "TWRecordingPreview.h"
+#include "TWTestEnvironment.h"
 #include "app/TWAppDelegate.h"
 #include "app/TWStateKeys.h"
 #include "documents/TWTemplateWindowController.h"
@@ -15,28 +16,19 @@
 #include "preferences/TWPreferences.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
-#include "taglib/TWTagMenuListing.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QMenu>
+#include <QMenuBar>
 #include <QTest>
 
 namespace {
 
-QStringList titles(QMenu *menu)
-{
-    QStringList list;
-    for (QAction *action : menu->actions())
-        list << action->text();
-    return list;
-}
-
-TWHTMLTagLibrary *library()
-{
-    return TWHTMLTagLibrary::sharedTagLibrary();
-}
+TWHTMLTagLibrary *library() { return TWHTMLTagLibrary::sharedTagLibrary(); }
+TWAppDelegate *delegate() { return TWAppDelegate::sharedAppDelegate(); }
+TWInsertTagPaletteController *palette() { return TWInsertTagPaletteController::sharedInsertTagPalette(); }
 
 } // namespace
 
@@ -64,75 +56,72 @@ private Q_SLOTS:
         TWResetBeepCount();
     }
 
-    void titlesAreShownAsTheyAre_data()
-    {
-        QTest::addColumn<QString>("title");
-        QTest::newRow("entity") << QStringLiteral("Space  &nbsp;");
-        QTest::newRow("two ampersands") << QStringLiteral("Fish && Chips");
-        QTest::newRow("ampersand at the end") << QStringLiteral("Rock &");
-    }
-
-    void titlesAreShownAsTheyAre()
-    {
-        QFETCH(QString, title);
-        library()->tagAtIndex(3)->setTitle(title);
-        library()->validateTagListChange();
-        // A menu shows "&&" as "&" and takes a lone "&" for the mark of an accelerator key.
-        QAction *item = TWAppDelegate::sharedAppDelegate()->insertDoubleTagMenu()->actions().at(2);
-        QCOMPARE(item->iconText(), title);
-        QCOMPARE(QKeySequence::mnemonic(item->text()), QKeySequence());
-        QCOMPARE(TWInsertTagPaletteController::sharedInsertTagPalette()->pairedTitles().at(2), title);
-    }
-
     void listingRules()
     {
-        TWAppDelegate *delegate = TWAppDelegate::sharedAppDelegate();
-        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        const QStringList single{"Generic Tag  <>", "Line Break  <br>", "Image  <img =...>"};
-        QCOMPARE(titles(delegate->insertSingleTagMenu()), single);
-        QCOMPARE(palette->singleTitles(), single);
+        // What a menu shows: "&&" as "&" (a lone "&" marks an accelerator key instead).
+        const auto titles = [](QMenu *menu) {
+            QStringList list;
+            for (QAction *action : menu->actions())
+                list << QString(action->text()).replace(QLatin1String("&&"), QLatin1String("&"));
+            return list;
+        };
+        QCOMPARE(palette()->singleTitles(), (QStringList{"Generic Tag  <>", "Line Break  <br>", "Image  <img =...>"}));
+        QCOMPARE(titles(delegate()->insertSingleTagMenu()), palette()->singleTitles());
 
+        // Titles are shown as they are, ampersands too.
+        const QString title = QStringLiteral("Fish && Chips &nbsp; &");
+        library()->tagAtIndex(3)->setTitle(title);
+        library()->tagAtIndex(2)->setShortcutKey(QStringLiteral(","));
         library()->tagAtIndex(3)->setShortcutKey(QStringLiteral("b"));
-        library()->tagAtIndex(4)->setTitle(library()->tagAtIndex(3)->title()); // italic titled like bold
+        library()->tagAtIndex(5)->setShortcutKey(QStringLiteral("K"));
+        library()->tagAtIndex(4)->setTitle(title); // italic titled like bold
         library()->tagAtIndex(7)->setIncludeInMenu(false);                       // the link
         library()->tagAtIndex(library()->addNewTag())->setType(7);
         library()->tagAtIndex(library()->addNewTag())->setTitle(QStringLiteral("Paired Tags"));
         library()->validateTagListChange();
         // One beep for the odd record in each of the two places that list it.
         QCOMPARE(TWBeepCount(), 2);
-        const QStringList paired{"Comment  <!--...-->", "Quotation  \"\"", "Bold Face  <b>"};
+        const QStringList paired{"Comment  <!--...-->", "Quotation  \"\"", title};
         // The palette's header counts as a title taken.
-        QCOMPARE(palette->pairedTitles(), paired);
-        QCOMPARE(titles(delegate->insertDoubleTagMenu()), paired + QStringList{"Paired Tags"});
-        QCOMPARE(delegate->insertDoubleTagMenu()->actions().at(2)->shortcut(), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_B));
+        QCOMPARE(palette()->pairedTitles(), paired);
+        QCOMPARE(titles(delegate()->insertDoubleTagMenu()), paired + QStringList{"Paired Tags"});
+        QCOMPARE(QKeySequence::mnemonic(delegate()->insertDoubleTagMenu()->actions().at(2)->text()), QKeySequence());
+        // A key is Ctrl+Alt and the character itself (a comma is no separator here), with Shift
+        // for an upper-case letter.
+        QList<QKeySequence> keys;
+        for (const QAction *item : delegate()->insertDoubleTagMenu()->actions() + delegate()->insertSingleTagMenu()->actions())
+            keys << item->shortcut();
+        QCOMPARE(keys, (QList<QKeySequence>{{}, Qt::CTRL | Qt::ALT | Qt::Key_Comma, Qt::CTRL | Qt::ALT | Qt::Key_B, {}, {},
+                                            Qt::CTRL | Qt::ALT | Qt::SHIFT | Qt::Key_K, {}}));
     }
 
     void menusAndPaletteInsertIntoTheDocumentBeingEdited()
     {
         TWEditWindowController *window = TWEditWindowController::sharedEditWindowController();
-        QMenu *paired = TWAppDelegate::sharedAppDelegate()->insertDoubleTagMenu();
-        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        auto *pairedPopUp = palette->findChild<QComboBox *>(QStringLiteral("insertDoubleTagMenu"));
+        QMenu *paired = delegate()->insertDoubleTagMenu();
+        auto *pairedPopUp = palette()->findChild<QComboBox *>(QStringLiteral("insertDoubleTagMenu"));
         // No document window on screen: a beep and nothing else.
         window->hide();
         TWTemplateWindowController::sharedTemplateController()->hide();
         paired->actions().at(2)->trigger();
         pairedPopUp->setCurrentIndex(3);
-        palette->selectInsertDoubleTag(3);
+        palette()->selectInsertDoubleTag(3);
         QCOMPARE(TWBeepCount(), 2);
 
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window));
         QApplication::setActiveWindow(window);
-        QTRY_COMPARE(QApplication::activeWindow(), window);
+        TW_TRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), window, 5000);
+        // A single tag replaces the selection, a paired one wraps it.
         window->textView()->setString(QStringLiteral("make this bold"));
-        window->textView()->setSelectedRange({10, 4});
+        window->textView()->setSelectedRange({5, 5});
+        delegate()->insertSingleTagMenu()->actions().at(1)->trigger();
+        window->textView()->setSelectedRange({9, 4});
         paired->actions().at(2)->trigger();
-        TWAppDelegate::sharedAppDelegate()->insertSingleTagMenu()->actions().at(1)->trigger();
-        palette->selectInsertDoubleTag(0); // the header
+        palette()->selectInsertDoubleTag(0); // the header
         pairedPopUp->setCurrentIndex(4);
-        palette->selectInsertDoubleTag(4);
-        QCOMPARE(window->textView()->string(), QStringLiteral("make this <b>bold</b><br><i></i>"));
+        palette()->selectInsertDoubleTag(4);
+        QCOMPARE(window->textView()->string(), QStringLiteral("make <br><b>bold</b><i></i>"));
         QCOMPARE(pairedPopUp->currentIndex(), 0); // back to its header
 
         // Records reordered after the menus were built: an item still inserts its own record.
@@ -141,10 +130,12 @@ private Q_SLOTS:
         QVERIFY(window->textView()->string().endsWith(QLatin1String("<b></b>")));
     }
 
-    void tagColoringToggleTwiceComesBack()
+    // Tag colouring, toggled twice, comes back everywhere; the palette's item says what it will
+    // do, and a hidden palette stays hidden at the next start.
+    void menuItemsFollowWhatTheyControl()
     {
         TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
-        QAction *toggle = TWAppDelegate::sharedAppDelegate()->tagColoringMenuItem;
+        QAction *toggle = delegate()->tagColoringMenuItem;
         for (const bool on : {!TWPreferences::sharedPref()->tagColoring(), TWPreferences::sharedPref()->tagColoring()}) {
             toggle->trigger();
             QCOMPARE((QList<bool>{TWPreferences::sharedPref()->tagColoring(), toggle->isChecked(),
@@ -152,40 +143,39 @@ private Q_SLOTS:
                                   templateWindow->topTextView()->tagColoring(), templateWindow->bottomTextView()->tagColoring()}),
                      QList<bool>(5, on));
         }
-    }
-
-    // The menu item says what it will do, and a hidden palette stays hidden at the next start.
-    void paletteTitleAndVisibility()
-    {
-        TWInsertTagPaletteController *palette = TWInsertTagPaletteController::sharedInsertTagPalette();
-        QAction *item = TWAppDelegate::sharedAppDelegate()->showTagPaletteMenu;
-        palette->setShowWindow(true);
-        QCOMPARE(item->text(), QStringLiteral("Hide Insert Tag Palette"));
-        palette->close();
-        QCOMPARE(item->text(), QStringLiteral("Show Insert Tag Palette"));
-        palette->saveWindowProperties();
+        palette()->setShowWindow(true);
+        QCOMPARE(delegate()->showTagPaletteMenu->text(), QStringLiteral("Hide Insert Tag Palette"));
+        palette()->close();
+        QCOMPARE(delegate()->showTagPaletteMenu->text(), QStringLiteral("Show Insert Tag Palette"));
+        palette()->saveWindowProperties();
         QCOMPARE(TWUserDefaults::standardUserDefaults()->dictionaryForKey(QLatin1String(TWWindowDefaultsKey::insertTagPalette))
                      ->value(QLatin1String(TWStateEntry::showWindow)).toString(), QStringLiteral("NO"));
     }
 
-    void shortcutOfAKey_data()
+    // No two items of the menu bar share a key, and Ctrl+Alt with a letter belongs to the tags.
+    void menuKeysAreDistinct()
     {
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QKeySequence>("shortcut");
-        QTest::newRow("none") << QString() << QKeySequence();
-        QTest::newRow("upper-case letter takes Shift") << "K" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::SHIFT | Qt::Key_K);
-        QTest::newRow("comma is the key") << "," << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Comma);
-        QTest::newRow("plus is the key") << "+" << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Plus);
-        QTest::newRow("accented letter") << QString::fromUtf8("é") << QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_Eacute);
-    }
-
-    void shortcutOfAKey()
-    {
-        QFETCH(QString, key);
-        QFETCH(QKeySequence, shortcut);
-        TWHTMLTag tag;
-        tag.setShortcutKey(key);
-        QCOMPARE(TWTagMenuListing::shortcut(tag), shortcut);
+        delegate()->setViewOnExBrowserMenu();
+        QList<QMenu *> menus;
+        for (QAction *action : TWEditWindowController::sharedEditWindowController()->menuBar()->actions())
+            menus << action->menu();
+        QHash<QKeySequence, QString> taken;
+        for (qsizetype next = 0; next < menus.size(); ++next) {
+            const bool tagMenu = menus[next] == delegate()->insertSingleTagMenu() || menus[next] == delegate()->insertDoubleTagMenu();
+            for (QAction *action : menus[next]->actions()) {
+                if (action->menu())
+                    menus << action->menu();
+                for (const QKeySequence &key : action->shortcuts()) {
+                    QVERIFY2(!taken.contains(key), qPrintable(action->text() + " and " + taken.value(key)));
+                    taken.insert(key, action->text());
+                    const Qt::KeyboardModifiers tagKeys = Qt::ControlModifier | Qt::AltModifier;
+                    QVERIFY2(tagMenu || key[0].key() < Qt::Key_A || key[0].key() > Qt::Key_Z
+                                 || (key[0].keyboardModifiers() & tagKeys) != tagKeys,
+                             qPrintable(action->text()));
+                }
+            }
+        }
+        QVERIFY(taken.size() > 30);
     }
 };
 
