@@ -20,6 +20,7 @@
 #include "platform/TWUserDefaults.h"
 #include "platform/TWWindowOrder.h"
 #include "preferences/TWPreferences.h"
+#include "preferences/TWPreferencesPanelController.h"
 #include "preview/TWExternalBrowser.h"
 #include "preview/TWPageComposer.h"
 #include "preview/TWViewWindowController.h"
@@ -170,6 +171,9 @@ void TWAppDelegate::createActions()
     selectAllAction = editAction(tr("Select &All"), QKeySequence::SelectAll, &QPlainTextEdit::selectAll,
                                  &QLineEdit::selectAll);
 
+    preferencesAction = make(tr("Pre&ferences..."), QKeySequence(Qt::CTRL | Qt::Key_Comma),
+                             [] { TWPreferencesPanelController::sharedPreferencesPanel()->runPreferencesPanel(); });
+    preferencesAction->setMenuRole(QAction::PreferencesRole);
     autoIndentMenu = make(tr("Auto &Indent"), QKeySequence(), &TWAppDelegate::toggleAutoIndentation);
     autoIndentMenu->setCheckable(true);
     jumpToLineAction = make(tr("&Jump to Line..."), QKeySequence(Qt::CTRL | Qt::Key_L), &TWAppDelegate::askForLineNumber);
@@ -259,6 +263,8 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     edit->addAction(autoIndentMenu);
     edit->addAction(tagColoringMenuItem);
     edit->addAction(jumpToLineAction);
+    edit->addSeparator();
+    edit->addAction(preferencesAction);
 
     QMenu *find = menuBar->addMenu(tr("Fin&d"));
     find->addAction(searchPanelAction);

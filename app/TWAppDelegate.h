@@ -131,6 +131,7 @@ private:
     QAction *pasteAction = nullptr;
     QAction *selectAllAction = nullptr;
     QAction *jumpToLineAction = nullptr;
+    QAction *preferencesAction = nullptr;
     QAction *searchPanelAction = nullptr;
     QAction *findNextAction = nullptr;
     QAction *replaceAction = nullptr;

@@ -1,7 +1,10 @@
 #include "platform/TWPanels.h"
 
+#include "platform/TWDesktopEntry.h"
+
 #include <QDir>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 
 namespace {
@@ -23,6 +26,20 @@ QString nameFilter(const QStringList &extensions)
         patterns << QStringLiteral("*.") + extension;
     return QFileDialog::tr("Documents (%1)").arg(patterns.join(QLatin1Char(' ')));
 }
+
+// Where a Linux desktop keeps the entries of its installed applications.
+constexpr char applicationsFolder[] = "/usr/share/applications";
+
+// Desktop entries show their application's icon.
+class ApplicationIcons : public QFileIconProvider
+{
+public:
+    QIcon icon(const QFileInfo &info) const override
+    {
+        return info.suffix() == QLatin1String(TWDesktopEntry::extension) ? TWDesktopEntry::icon(info.filePath()) : QFileIconProvider::icon(info);
+    }
+    using QFileIconProvider::icon;
+};
 
 void remember(const QString &path)
 {
@@ -53,6 +70,25 @@ QStringList TWPanels::runOpenPanel(QWidget *parent, const QStringList &extension
     const QStringList files = dialog.selectedFiles();
     remember(files.first());
     return files;
+}
+
+QStringList TWPanels::runApplicationPanel(QWidget *parent)
+{
+    if (openHandler)
+        return openHandler({QLatin1String(TWDesktopEntry::extension)});
+
+    QFileDialog dialog(parent);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    // Qt's own dialog, which shows each desktop entry with its application's icon.
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    ApplicationIcons icons;
+    dialog.setIconProvider(&icons);
+    dialog.setDirectory(QDir(QLatin1String(applicationsFolder)).exists() ? QLatin1String(applicationsFolder) : QDir::homePath());
+    dialog.setNameFilters({QFileDialog::tr("Applications (*.%1)").arg(QLatin1String(TWDesktopEntry::extension)), QFileDialog::tr("Programs (*)")});
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles();
 }
 
 std::optional<QString> TWPanels::runSavePanel(QWidget *parent, const QString &proposedName,

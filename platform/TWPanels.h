@@ -17,6 +17,9 @@ public:
     // the files offered (without dots, e.g. "html"); an empty list offers every file.
     static QStringList runOpenPanel(QWidget *parent, const QStringList &extensions,
                                     bool allowTextFilesWithoutExtension = false);
+    // An application to open pages with: a desktop entry (offered first, with its icon) or a
+    // program. Answers as runOpenPanel, which a test's handler sees with the extension "desktop".
+    static QStringList runApplicationPanel(QWidget *parent);
     // The chosen path, or nothing when the user cancelled. The first extension is added
     // to a name typed without one.
     static std::optional<QString> runSavePanel(QWidget *parent, const QString &proposedName,

@@ -99,8 +99,10 @@ public:
     static QString builtInDefaultBaseURL();
     static QStringList builtInExBrowsers();
 
-private:
+    // The point size truncated toward zero.
     static int fontSize(const QFont &font);
+
+private:
     void loadFont(const char *nameKey, const char *sizeKey, void (TWPreferences::*setter)(const QFont &),
                   const QFont &current);
     void saveFont(const char *nameKey, const char *sizeKey, const QFont &font);

@@ -1,32 +1,12 @@
 #include "preview/TWExternalBrowser.h"
 
-#include <QFile>
+#include "platform/TWDesktopEntry.h"
+
 #include <QFileInfo>
 #include <QProcess>
 #include <QUrl>
 
 namespace {
-
-constexpr char desktopExtension[] = "desktop";
-constexpr char desktopGroup[] = "[Desktop Entry]";
-constexpr char execKey[] = "Exec=";
-
-// The Exec line of the [Desktop Entry] group, or "".
-QString execLine(const QString &desktopFile)
-{
-    QFile file(desktopFile);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return {};
-    bool inEntry = false;
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
-        if (line.startsWith(QLatin1Char('[')))
-            inEntry = line == QLatin1String(desktopGroup);
-        else if (inEntry && line.startsWith(QLatin1String(execKey)))
-            return line.mid(int(qstrlen(execKey)));
-    }
-    return {};
-}
 
 // Replaces the field codes of an Exec line: %f %F %u %U take the file, %% is a percent sign,
 // the other codes go. Without a file code the file is added at the end.
@@ -58,9 +38,9 @@ QStringList expandExec(const QString &exec, const QString &file)
 
 QStringList TWExternalBrowser::commandFor(const QString &application, const QString &file)
 {
+    if (TWDesktopEntry::isDesktopEntry(application))
+        return expandExec(TWDesktopEntry::value(application, TWDesktopEntry::execKey), file);
     const QFileInfo info(application);
-    if (info.suffix() == QLatin1String(desktopExtension))
-        return expandExec(execLine(application), file);
     if (!info.isFile() || !info.isExecutable())
         return {};
     return {application, file};
@@ -78,4 +58,10 @@ bool TWExternalBrowser::open(const QString &application, const QString &file)
 QString TWExternalBrowser::title(const QString &application)
 {
     return QFileInfo(application).completeBaseName();
+}
+
+QString TWExternalBrowser::displayName(const QString &application)
+{
+    const QString name = TWDesktopEntry::isDesktopEntry(application) ? TWDesktopEntry::value(application, TWDesktopEntry::nameKey) : QString();
+    return name.isEmpty() ? title(application) : name;
 }

@@ -12,4 +12,6 @@ QStringList commandFor(const QString &application, const QString &file);
 bool open(const QString &application, const QString &file);
 // The menu title for an application: its file name without the extension.
 QString title(const QString &application);
+// What the user knows the application as: a desktop entry's name, else the title.
+QString displayName(const QString &application);
 } // namespace TWExternalBrowser

@@ -8,6 +8,7 @@
 #include "platform/TWLocalization.h"
 #include "platform/TWOldStylePropertyList.h"
 #include "platform/TWPaths.h"
+#include "platform/TWRowDrag.h"
 #include "platform/TWTextKeys.h"
 #include "platform/TWUserDefaults.h"
 #include "preferences/TWPreferences.h"
@@ -237,21 +238,9 @@ void TWHTMLTagLibrary::deleteTagAtIndex(int index)
     tags.removeAt(index);
 }
 
-void TWHTMLTagLibrary::moveRowsOfArray(QList<int> rows, int target)
+void TWHTMLTagLibrary::moveRowsOfArray(const QList<int> &rows, int target)
 {
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    QList<Tag> block;
-    for (auto row = rows.crbegin(); row != rows.crend(); ++row) {
-        if (*row < 0 || *row >= tags.size())
-            continue;
-        block.prepend(tags.takeAt(*row));
-        if (target > *row)
-            --target;
-    }
-    target = std::clamp(target, 0, int(tags.size()));
-    for (qsizetype i = 0; i < block.size(); ++i)
-        tags.insert(target + i, block.at(i));
+    TWRowDrag::moveRows(tags, rows, target);
 }
 
 bool TWHTMLTagLibrary::isShortcutKeyAvailable(const QString &key, const TWHTMLTag *record, const QList<Tag> &list)

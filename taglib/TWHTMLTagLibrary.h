@@ -47,7 +47,7 @@ public:
     int duplicateTagAtIndex(int index);
     // Beeps and keeps a special tag.
     void deleteTagAtIndex(int index);
-    void moveRowsOfArray(QList<int> rows, int target);
+    void moveRowsOfArray(const QList<int> &rows, int target);
     // Whether the record may take the key (its first character): free, or its own already.
     bool isShortcutKey(const QString &key, const TWHTMLTag *record) const;
 

@@ -1,7 +1,7 @@
 #include "taglib/TWHTMLTagLibraryTableModel.h"
 
 #include "platform/TWBeep.h"
-#include "platform/TWXMLPropertyList.h"
+#include "platform/TWRowDrag.h"
 #include "taglib/TWHTMLTag.h"
 #include "taglib/TWHTMLTagLibrary.h"
 
@@ -194,17 +194,7 @@ QStringList TWHTMLTagLibraryTableModel::mimeTypes() const
 
 QMimeData *TWHTMLTagLibraryTableModel::mimeData(const QModelIndexList &indexes) const
 {
-    QList<int> rows;
-    for (const QModelIndex &index : indexes)
-        if (!rows.contains(index.row()))
-            rows << index.row();
-    std::sort(rows.begin(), rows.end());
-    QVariantList list;
-    for (const int row : rows)
-        list << row;
-    auto *data = new QMimeData;
-    data->setData(QLatin1String(dragType), TWXMLPropertyList::write(list).value_or(QByteArray()));
-    return data;
+    return TWRowDrag::mimeData(dragType, indexes);
 }
 
 bool TWHTMLTagLibraryTableModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int, int,
@@ -213,23 +203,13 @@ bool TWHTMLTagLibraryTableModel::canDropMimeData(const QMimeData *data, Qt::Drop
     return data && data->hasFormat(QLatin1String(dragType));
 }
 
-bool TWHTMLTagLibraryTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+bool TWHTMLTagLibraryTableModel::dropMimeData(const QMimeData *data, Qt::DropAction, int row, int,
                                               const QModelIndex &parent)
 {
-    if (!canDropMimeData(data, action, row, column, parent))
+    const std::optional<QList<int>> rows = TWRowDrag::rows(data, dragType, library()->numberOfTags());
+    if (!rows)
         return false;
-    const QVariantList list = TWXMLPropertyList::read(data->data(QLatin1String(dragType))).value_or(QVariant()).toList();
-    QList<int> rows;
-    for (const QVariant &number : list) {
-        bool ok = false;
-        const int dragged = number.toInt(&ok);
-        if (!ok || dragged < 0 || dragged >= library()->numberOfTags())
-            return false;
-        rows << dragged;
-    }
-    // A drop onto a row goes above it; below the last row, to the end.
-    int target = row >= 0 ? row : parent.isValid() ? parent.row() : library()->numberOfTags();
-    library()->moveRowsOfArray(rows, target);
+    library()->moveRowsOfArray(*rows, TWRowDrag::dropRow(row, parent, library()->numberOfTags()));
     reloadData();
     return true;
 }

@@ -12,10 +12,13 @@
 #include "platform/TWLocalization.h"
 #include "platform/TWPaths.h"
 #include "platform/TWUserDefaults.h"
+#include "preferences/TWPreferencesPanelController.h"
 #include "preview/TWExternalBrowser.h"
 #include "preview/TWPageComposer.h"
 
 #include <QAction>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -173,6 +176,21 @@ private Q_SLOTS:
         QCOMPARE(viewer()->statusText(), status);
         QVERIFY(show(u"<p>fine</p>"_s));
         QCOMPARE(viewer()->statusText(), QString());
+    }
+
+    // The viewer fonts typed in the preferences reach the page on show, without a new load.
+    void viewerFontSizesReachThePage()
+    {
+        QVERIFY(show(u"<p id=t>x</p><pre id=f>y</pre>"_s));
+        TWPreferencesPanelController *panel = TWPreferencesPanelController::sharedPreferencesPanel();
+        for (const auto &[menu, size] : {std::pair{"viewerFontSizeMenu", "23"}, std::pair{"viewerFixedFontSizeMenu", "17"}}) {
+            QLineEdit *field = panel->findChild<QComboBox *>(QLatin1String(menu))->lineEdit();
+            field->selectAll();
+            QTest::keyClicks(field, QLatin1String(size));
+            QTest::keyClick(field, Qt::Key_Return);
+        }
+        TW_TRY_COMPARE_WITH_TIMEOUT(evaluate(u"getComputedStyle(t).fontSize + ' ' + getComputedStyle(f).fontSize"_s).toString(),
+                                    u"23px 17px"_s, loadTimeout);
     }
 
     // A button pressed means off, a menu check mark means on; either one switches the flag,
