@@ -1,6 +1,7 @@
-// Every command of the menu bar's Edit, Find, View and Window menus, triggered as the user
-// does, reaches what its title says. (The File menu: tst_TWProject; the insert-tag menus:
-// tst_TWInsertTagMenus; Stop Rendering: tst_TWViewWindowController.)
+// Every command of the menu bar's Edit, View and Window menus, triggered as the user does,
+// reaches what its title says. (The File menu: tst_TWProject; the find commands:
+// tst_TWFindPanelController; tag colouring and the insert-tag menus: tst_TWInsertTagMenus; Stop Rendering:
+// tst_TWViewWindowController.)
 #include "TWTestEnvironment.h"
 #include "app/TWAppDelegate.h"
 #include "checker/TWHTMLCheckerWindowController.h"
@@ -20,7 +21,6 @@
 #include "taglib/TWTagLibraryWindowController.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,22 +38,7 @@ struct Command
 
 TWViewWindowController *viewer() { return TWViewWindowController::sharedViewWindowController(); }
 TWEditorTextView *html() { return TWEditWindowController::sharedEditWindowController()->textView(); }
-TWFindPanelController *findPanel() { return TWFindPanelController::sharedFindPanel(); }
 QString flag(bool on) { return on ? QStringLiteral("1") : QStringLiteral("0"); }
-
-// The HTML window is the one being edited, its text and selection as given.
-void editing(const QString &text, TWRange selection)
-{
-    TWEditWindowController::sharedEditWindowController()->show();
-    QApplication::setActiveWindow(TWEditWindowController::sharedEditWindowController());
-    html()->setString(text);
-    html()->setSelectedRange(selection);
-}
-
-QString textAndSelection()
-{
-    return html()->string() + QStringLiteral("|%1,%2").arg(html()->selectedRange().location).arg(html()->selectedRange().length);
-}
 
 // A window hidden first, shown by its command.
 Command shows(QWidget *window)
@@ -89,14 +74,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("reached");
         TWPreferences *preferences = TWPreferences::sharedPref();
         TWTemplateWindowController *templateWindow = TWTemplateWindowController::sharedTemplateController();
-        const auto search = [](const QString &text, TWRange selection) {
-            return Command{[text, selection] {
-                               editing(text, selection);
-                               findPanel()->setSearchText(QStringLiteral("needle"));
-                               findPanel()->setReplaceText(QStringLiteral("pin"));
-                           },
-                           textAndSelection};
-        };
         const auto requests = Command{[this] { pagesRequested = 0; }, [this] { return flag(pagesRequested > 0); }};
         const QString styleSheet = dir.filePath(QStringLiteral("site.css"));
         const QString opened = dir.filePath(QStringLiteral("opened"));
@@ -104,18 +81,7 @@ private Q_SLOTS:
         QTest::newRow("auto indent") << "Auto &Indent" << Command{[] { html()->setAutoIndentation(false); }, [] {
             return flag(html()->autoIndentation());
         }} << "1";
-        QTest::newRow("tag colouring") << "Tag &Coloring" << Command{[preferences, templateWindow] {
-            preferences->setTagColoring(true);
-            for (TWEditorTextView *view : {html(), static_cast<TWEditorTextView *>(templateWindow->topTextView())})
-                view->setTagColoring(true);
-        }, [preferences, templateWindow] {
-            return flag(preferences->tagColoring()) + flag(html()->tagColoring()) + flag(templateWindow->topTextView()->tagColoring());
-        }} << "000";
-        QTest::newRow("find") << "&Find..." << shows(findPanel()) << "1";
-        QTest::newRow("find next") << "Find &Next" << search("a needle b needle", {0, 0}) << "a needle b needle|2,6";
-        QTest::newRow("replace") << "&Replace" << search("a needle b needle", {2, 6}) << "a pin b needle|2,3";
-        QTest::newRow("replace and find") << "Replace && F&ind" << search("a needle b needle", {2, 6}) << "a pin b needle|8,6";
-        QTest::newRow("replace all") << "Replace &All" << search("a needle b needle", {0, 0}) << "a pin b pin|8,3";
+        QTest::newRow("find") << "&Find..." << shows(TWFindPanelController::sharedFindPanel()) << "1";
         QTest::newRow("render now") << "&Render Now" << requests << "1";
         QTest::newRow("clear cache") << "C&lear Cache" << requests << "1";
         QTest::newRow("save CSS and clear cache") << "Save CSS and Clear Cache" << Command{[this, styleSheet] {
