@@ -12,6 +12,7 @@
 #include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWLineNumberGutter.h"
 #include "editor/TWTemplateTextView.h"
 #include "panels/TWColorPanelController.h"
 #include "panels/TWFindPanelController.h"
@@ -25,6 +26,7 @@
 #include "preview/TWPageComposer.h"
 #include "preview/TWViewWindowController.h"
 #include "platform/TWBeep.h"
+#include "platform/TWFlag.h"
 #include "platform/TWLocalization.h"
 #include "platform/TWMessageBar.h"
 #include "platform/TWTextKeys.h"
@@ -88,6 +90,7 @@ TWAppDelegate::TWAppDelegate()
         const QVariant name = record->value(QLatin1String(TWAppDefaultsKey::projectFilename));
         if (name.typeId() == QMetaType::QString)
             projectFilenameValue = name.toString();
+        TWLineNumberGutter::setLineNumbersShown(TWFlag::isNotNo(record->value(QLatin1String(TWAppDefaultsKey::lineNumbers))));
     }
 
     createActions();
@@ -220,6 +223,11 @@ void TWAppDelegate::createActions()
         TWCSSWindowController::sharedCSSController()->saveCSS();
         viewer()->clearCache();
     });
+    lineNumbersMenu = make(tr("Line &Numbers"), QKeySequence(), [] {
+        TWLineNumberGutter::setLineNumbersShown(!TWLineNumberGutter::lineNumbersShown());
+    });
+    lineNumbersMenu->setCheckable(true);
+    lineNumbersMenu->setChecked(TWLineNumberGutter::lineNumbersShown());
     // One submenu, shown in every window's View menu.
     browserMenu = new QMenu(tr("In &Browser"));
 
@@ -286,6 +294,7 @@ void TWAppDelegate::populateMenuBar(QMenuBar *menuBar)
     view->addAction(applyTemplateMenu);
     view->addAction(applyCSSMenu);
     view->addAction(lineBreakValidationMenuItem);
+    view->addAction(lineNumbersMenu);
     view->addSeparator();
     view->addAction(clearCacheAction);
     view->addAction(saveCSSAndClearCacheAction);
@@ -400,6 +409,7 @@ void TWAppDelegate::saveAppProperties()
 {
     QVariantMap record;
     record.insert(QLatin1String(TWAppDefaultsKey::projectFilename), projectFilenameValue);
+    record.insert(QLatin1String(TWAppDefaultsKey::lineNumbers), TWFlag::string(TWLineNumberGutter::lineNumbersShown()));
     TWUserDefaults::standardUserDefaults()->setObject(record, QLatin1String(TWAppDefaultsKey::record));
 }
 

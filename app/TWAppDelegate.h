@@ -132,6 +132,7 @@ private:
     QAction *selectAllAction = nullptr;
     QAction *jumpToLineAction = nullptr;
     QAction *preferencesAction = nullptr;
+    QAction *lineNumbersMenu = nullptr;
     QAction *searchPanelAction = nullptr;
     QAction *findNextAction = nullptr;
     QAction *replaceAction = nullptr;

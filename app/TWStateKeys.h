@@ -56,6 +56,8 @@ namespace TWAppDefaultsKey {
 inline constexpr char record[] = "Tagwright App Defaults";
 inline constexpr char legacyRecord[] = "Tagwright Legacy App Defaults";
 inline constexpr char projectFilename[] = "Project Filename";
+// Whether the editors show line numbers: "NO" hides them.
+inline constexpr char lineNumbers[] = "Line Numbers";
 } // namespace TWAppDefaultsKey
 
 // The root entries of a project file, one per document window; each holds the window's

@@ -3,6 +3,7 @@
 //   bench_typing <page.html>
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWLineNumberGutter.h"
 #include "editor/TWTextFile.h"
 #include "preferences/TWPreferences.h"
 
@@ -92,6 +93,10 @@ int main(int argc, char **argv)
     window->show();
     QApplication::processEvents();
     const Figures ours = typeInto(window->textView());
+    TWLineNumberGutter::setLineNumbersShown(false);
+    QApplication::processEvents();
+    const Figures noNumbers = typeInto(window->textView());
+    TWLineNumberGutter::setLineNumbersShown(true);
     window->hide();
 
     QPlainTextEdit bare;
@@ -105,6 +110,8 @@ int main(int argc, char **argv)
 
     std::printf("keystroke to painted, %d keys spread over %.1f MB:\n", keystrokes, page->size() / 1e6);
     std::printf("  HTML window       median %6.2f ms   99th %6.2f ms\n", ours.median, ours.p99);
+    std::printf("  without line numbers median %6.2f ms   99th %6.2f ms   (numbers on/off: %.2f)\n", noNumbers.median,
+                noNumbers.p99, ours.median / noNumbers.median);
     std::printf("  bare QPlainTextEdit median %6.2f ms   99th %6.2f ms\n", plain.median, plain.p99);
     std::printf("  ratio (median)    %.2f   (target <= 1.5; 99th target < 16 ms)\n", ours.median / plain.median);
 

@@ -8,6 +8,7 @@
 #include "editor/TWReplaceAll.h"
 #include "editor/TWReplaceAllStep.h"
 #include "editor/TWStringSearch.h"
+#include "editor/TWLineNumberGutter.h"
 #include "editor/TWTagHighlighter.h"
 #include "editor/TWTagScanner.h"
 #include "editor/TWTextFile.h"
@@ -100,6 +101,9 @@ TWEditorTextView::TWEditorTextView(QWidget *parent)
     highlighter->commentColor = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorForTag(QLatin1String(commentName)); };
     highlighter->colorsGeneration = [] { return TWHTMLTagLibrary::sharedTagLibrary()->colorsGeneration(); };
     setEditorTextColor(editorTextColorValue);
+    gutter = new TWLineNumberGutter(this);
+    connect(gutter, &TWLineNumberGutter::widthChanged, this, &TWEditorTextView::placeGutter);
+    placeGutter();
     history = new TWUndoHistory(this);
     history->follow(document());
     // Only edits count as changes: loads go through setString, colours never touch the text.
@@ -565,6 +569,30 @@ void TWEditorTextView::paintEvent(QPaintEvent *event)
         const QRect caret = cursorRect();
         painter.fillRect(QRect(caret.left(), caret.top(), dropCaretWidth, caret.height()), palette().text());
     }
+}
+
+void TWEditorTextView::resizeEvent(QResizeEvent *event)
+{
+    QPlainTextEdit::resizeEvent(event);
+    placeGutter();
+}
+
+void TWEditorTextView::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    // The numbers are in the text's font, so a new font may need a new width.
+    if (event->type() == QEvent::FontChange)
+        placeGutter();
+}
+
+void TWEditorTextView::placeGutter()
+{
+    const int width = gutter->gutterWidth();
+    if (viewportMargins().left() != width)
+        setViewportMargins(width, 0, 0, 0);
+    const QRect contents = contentsRect();
+    gutter->setGeometry(contents.left(), contents.top(), width, contents.height());
+    gutter->setVisible(TWLineNumberGutter::lineNumbersShown());
 }
 
 QString TWEditorTextView::loadTextFromFile(const QString &path, bool *ok) const

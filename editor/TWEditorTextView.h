@@ -8,6 +8,7 @@
 #include <optional>
 
 class TWHTMLTag;
+class TWLineNumberGutter;
 class TWStringSearch;
 class TWTagHighlighter;
 class TWUndoHistory;
@@ -54,6 +55,7 @@ public:
     // Paints the tag colours so that the whole text shows them.
     virtual void paintTagColors();
     TWTagHighlighter *tagHighlighter() const { return highlighter; }
+    TWLineNumberGutter *lineNumberGutter() const { return gutter; }
 
     // The scanners of tag colouring, on a text (the view's whole text).
     static int typeOfText(QStringView text, qsizetype index);
@@ -138,6 +140,8 @@ protected:
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     // Pasted and dropped text comes in with LF line breaks only.
     void insertFromMimeData(const QMimeData *source) override;
     QMimeData *createMimeDataFromSelection() const override;
@@ -173,6 +177,8 @@ private:
     void placeDropSelection(const QPointF &position, Qt::KeyboardModifiers modifiers);
     static bool isKeepSelection(Qt::KeyboardModifiers modifiers);
     static void clearDragState();
+    // Makes room for the line numbers beside the text and puts them there.
+    void placeGutter();
 
     static inline bool tagColoringSuspended = true;
     static inline bool renderSuspended = true;
@@ -191,6 +197,7 @@ private:
     QColor editorTextColorValue;
     bool loadingText = false;
     TWUndoHistory *history;
+    TWLineNumberGutter *gutter;
     // Nothing until asked for after a change.
     mutable std::optional<QString> searchableTextValue;
     TWTagHighlighter *highlighter;

@@ -2,6 +2,7 @@
 // auto indentation, separators kept as characters, file drops, the view that commands go to and
 // jump to line.
 #include "editor/TWEditorTextView.h"
+#include "editor/TWLineNumberGutter.h"
 
 #include "TWRecordingPreview.h"
 #include "TWTestEnvironment.h"
@@ -210,6 +211,55 @@ private Q_SLOTS:
         // The characters held inside the view for the separators never come out as separators.
         view.setString(QStringLiteral("x\uFDEE\uFDEFy"));
         QCOMPARE(view.string(), QStringLiteral("x\uFFFD\uFFFDy"));
+    }
+
+    // The gutter numbers the lines in view that line feeds end (the lines Jump to Line counts),
+    // after edits too, and makes room for the digits; hidden, it takes no room.
+    void lineNumbers_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("typed"); // at the start of the last line
+        QTest::addColumn<int>("jumpTo");
+        QTest::addColumn<int>("first"); // the first and the last number drawn; 0: as many as fit
+        QTest::addColumn<int>("last");
+        QTest::newRow("LF lines") << "a\nb\nc" << "" << 2 << 1 << 3;
+        QTest::newRow("separators inside a line") << "a\u2028b\u2029c\nd" << "" << 2 << 1 << 2;
+        QTest::newRow("lines typed") << "a\nb" << "x\ny\n" << 4 << 1 << 4;
+        QTest::newRow("a line joined") << "a\nb\nc" << "\b" << 2 << 1 << 2;
+        QTest::newRow("only the lines in view") << QStringLiteral("x\n").repeated(1999) << "" << 1 << 1 << 0;
+        QTest::newRow("scrolled to the end") << QStringLiteral("x\n").repeated(1999) << "" << 2000 << 0 << 2000;
+    }
+
+    void lineNumbers()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, typed);
+        QFETCH(int, jumpTo);
+        QFETCH(int, first);
+        QFETCH(int, last);
+        TWEditorTextView view;
+        view.setFont(QFont(QStringLiteral("monospace"), 10));
+        view.setLineWrapMode(QPlainTextEdit::NoWrap);
+        QVERIFY(shown(view));
+        view.resize(300, 300);
+        view.setString(text);
+        view.setSelectedRange({int(text.lastIndexOf(u'\n') + 1), 0});
+        for (const QChar c : typed)
+            c == u'\n' ? QTest::keyClick(&view, Qt::Key_Return) : c == u'\b' ? QTest::keyClick(&view, Qt::Key_Backspace) : QTest::keyClick(&view, c.toLatin1());
+        view.jumptoLineNumber(jumpTo);
+        TWLineNumberGutter *gutter = view.lineNumberGutter();
+        const QList<int> numbers = gutter->visibleLineNumbers();
+        QVERIFY(!numbers.isEmpty() && numbers.size() < 40);
+        QCOMPARE(numbers.last() - numbers.first() + 1, numbers.size());
+        QCOMPARE(first ? numbers.first() : numbers.last(), first ? first : last);
+        if (first && last)
+            QCOMPARE(numbers.last(), last);
+        QCOMPARE(view.textCursor().blockNumber() + 1, jumpTo);
+        QVERIFY(gutter->gutterWidth() > QString::number(view.blockCount()).size() * view.fontMetrics().horizontalAdvance(u'9'));
+        QCOMPARE(view.viewport()->x() - gutter->x(), gutter->gutterWidth());
+        TWLineNumberGutter::setLineNumbersShown(false);
+        QCOMPARE(view.viewport()->x(), gutter->x());
+        TWLineNumberGutter::setLineNumbersShown(true);
     }
 
     void fileDrops_data()
