@@ -25,7 +25,7 @@ namespace {
 constexpr int patience = 30000;
 // The older and the current application defaults record in the store (invalid: none), and the
 // project file name they give.
-struct Records { QVariant legacy; QVariant current; QString projectFilename; };
+struct Records { QVariant legacy; QVariant current; QString projectFilename; QString lineNumbers = QStringLiteral("YES"); };
 
 } // namespace
 
@@ -39,9 +39,9 @@ private:
 private Q_SLOTS:
     void initTestCase() { viewer.install(); }
 
-    // The project file name comes from the older record when there is one, even without a
-    // name, else from the current one; at quit only the current record is written, with this
-    // version. (The windows' state written at quit: e2e_restore.sh.)
+    // The project file name and whether line numbers show come from the older record when
+    // there is one, even without a name, else from the current one; at quit only the current
+    // record is written, with this version. (The windows' state written at quit: e2e_restore.sh.)
     void quitSavesPreferencesAndRecord_data()
     {
         QTest::addColumn<Records>("row");
@@ -51,6 +51,10 @@ private Q_SLOTS:
         QTest::newRow("both: legacy wins") << Records{record(u"/p/old.twproj"_s), record(u"/p/new.twproj"_s), u"/p/old.twproj"_s};
         QTest::newRow("legacy without a name still wins") << Records{QVariantMap(), record(u"/p/new.twproj"_s), {}};
         QTest::newRow("name of another type") << Records{{}, record(42), {}};
+        // Line numbers stay hidden only where the record says "NO".
+        for (const char *shown : {"NO", "no"})
+            QTest::addRow("line numbers %s", shown)
+                << Records{{}, QVariantMap{{QLatin1String(TWAppDefaultsKey::lineNumbers), shown}}, {}, shown == "NO"_L1 ? u"NO"_s : u"YES"_s};
     }
 
     void quitSavesPreferencesAndRecord()
@@ -66,6 +70,8 @@ private Q_SLOTS:
         QCOMPARE(disk.value(QLatin1String(TWPreferenceKey::applicationVersion)).toString(), QString::fromLatin1(TWApplicationVersion));
         QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap().value(QLatin1String(TWAppDefaultsKey::projectFilename)),
                  QVariant(row.projectFilename));
+        QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::record)).toMap().value(QLatin1String(TWAppDefaultsKey::lineNumbers)).toString(),
+                 row.lineNumbers);
         QCOMPARE(disk.value(QLatin1String(TWAppDefaultsKey::legacyRecord)), row.legacy);
     }
 
