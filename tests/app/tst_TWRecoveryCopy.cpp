@@ -25,6 +25,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int patience = 60000;
+// The copy's documents, in order.
+constexpr const char *documentNames[] = {"HTML", "Template", "Style Sheet"};
 
 // What a user can have in a text: every kind of character a file or the keyboard gives.
 QString awkwardText() { return u"<p>\u65e5\u672c</p>\n\f\v\x1b\u2028\u2029\u00a0&<>"_s + QChar(0xD800) + QChar(u'\0') + u"\n"_s; }
@@ -67,9 +69,8 @@ private Q_SLOTS:
     void changedDocumentsAreCopiedAndComeBack_data()
     {
         QTest::addColumn<int>("index");
-        QTest::newRow("HTML") << 0;
-        QTest::newRow("Template") << 1;
-        QTest::newRow("Style Sheet") << 2;
+        for (int index = 0; const char *name : documentNames)
+            QTest::newRow(name) << index++;
     }
 
     void changedDocumentsAreCopiedAndComeBack()
@@ -86,14 +87,15 @@ private Q_SLOTS:
         view->insertText(text);
         setFileName(file);
         TW_TRY_VERIFY_WITH_TIMEOUT(copy->writesDone() > writes && !copy->isWriting(), patience);
-        for (const char *other : {"HTML", "Template", "Style Sheet"})
+        for (const char *other : documentNames)
             QCOMPARE(TWRecoveryCopy::read(other).has_value(), document == QLatin1String(other));
 
         // The next start after a crash, before the copy takes this change.
         view->setString(u"other"_s);
         setFileName(QString());
-        const QStringList before = documents();
-        const QStringList expected = before.mid(0, 2 * index) + QStringList{text, file} + before.mid(2 * index + 2);
+        QStringList expected = documents();
+        expected[2 * index] = text;
+        expected[2 * index + 1] = file;
         QVERIFY(copy->restore());
         QCOMPARE(documents(), expected);
 
@@ -107,30 +109,23 @@ private Q_SLOTS:
         QVERIFY(!folder.entryList(QDir::Files).isEmpty());
     }
 
-    void steadyTypingIsCopiedWhileItGoesOn()
-    {
-        // A copy written only when typing pauses would never be written while it goes on.
-        const int writes = copy->writesDone();
-        for (QDeadlineTimer deadline(patience); copy->writesDone() == writes && !deadline.hasExpired();) {
-            html()->textView()->insertText(u"x"_s);
-            QTest::qWait(TWRecoveryCopy::pauseMilliseconds / 5);
-        }
-        QVERIFY(copy->writesDone() > writes);
-    }
-
+    // Typing that goes on is copied while it goes on: a copy written only when typing pauses would
+    // never be written. Edits while a large text is being copied, before and after the part
+    // already taken, never make a mixture: what is written is always the text as it was at one moment.
     void everyCopyIsATextTheDocumentHad()
     {
-        // Edits while a large text is being copied, before and after the part already taken:
-        // what is written is always the text as it was at one moment, never a mixture.
         TWEditorTextView *view = html()->textView();
         view->setString(u"<p>line</p>\n"_s.repeated(TWRecoveryCopy::sliceCharacters / 4));
         QSet<size_t> states{qHash(view->string())};
         QRandomGenerator random(20261123);
         for (int round = 0; round < 4; ++round) {
             const int writes = copy->writesDone();
-            view->insertText(u"<"_s);
-            states << qHash(view->string());
-            QVERIFY2(TWTestEnvironment::waitFor([this] { return copy->isWriting(); }, patience), qPrintable(QString::number(round)));
+            for (QDeadlineTimer deadline(patience); !copy->isWriting() && !deadline.hasExpired();) {
+                view->insertText(u"<"_s);
+                states << qHash(view->string());
+                TWTestEnvironment::waitFor([this] { return copy->isWriting(); }, TWRecoveryCopy::pauseMilliseconds / 5);
+            }
+            QVERIFY2(copy->isWriting(), qPrintable(QString::number(round)));
             for (int edit = 0; edit < 3 && copy->writesDone() == writes; ++edit) {
                 QTextCursor(view->document()->findBlockByNumber(int(random.bounded(view->document()->blockCount())))).insertText(u"x"_s);
                 states << qHash(view->string());

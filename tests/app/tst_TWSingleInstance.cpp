@@ -34,8 +34,7 @@ int launch(const QStringList &arguments)
 {
     qputenv(runtimeVariable, arguments.at(0).toLocal8Bit());
     TWSingleInstance instance(arguments.at(1));
-    const TWSingleInstance::Outcome outcome = instance.start(arguments.mid(3), arguments.at(2).toInt());
-    if (outcome != TWSingleInstance::Outcome::Running)
+    if (const auto outcome = instance.start(arguments.mid(3), arguments.at(2).toInt()); outcome != TWSingleInstance::Outcome::Running)
         return int(outcome);
     int served = 0;
     QObject::connect(&instance, &TWSingleInstance::filesHandedOver, [&served] {

@@ -5,7 +5,6 @@
 
 #include "TWTestEnvironment.h"
 #include "checker/TWCheckerController.h"
-#include "checker/TWOutputDecoder.h"
 
 #include <QFile>
 #include <QRandomGenerator>
@@ -14,25 +13,30 @@
 
 #include <csignal>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int runTimeout = 60000;
-const QString couldNotStart = QStringLiteral("could not start");
+const QString couldNotStart = u"could not start"_s;
 
 // Writes down what a run tells its controller.
 class Recorder : public TWCheckerController
 {
 public:
-    void processFinished(TWChecker *, int status) override { events << QStringLiteral("finished %1").arg(status); }
-    void processStarted(TWChecker *) override { events << QStringLiteral("started"); }
-    void appendError(const QString &text) override { error += text, events << QStringLiteral("error"); }
-    void appendOutput(const QString &text) override { output += text, events << QStringLiteral("output"); }
+    void processFinished(TWChecker *, int status) override { events << u"finished %1"_s.arg(status); }
+    void processStarted(TWChecker *) override { events << u"started"_s; }
+    void appendError(const QString &text) override { error += text, events << u"error"_s; }
+    void appendOutput(const QString &text) override { output += text, events << u"output"_s; }
     void processCouldNotStart(TWChecker *, const QString &) override { events << couldNotStart; }
 
     QStringList events;
-    QString output;
-    QString error;
+    QString output, error;
 };
+
+// A program's script (none: it does not exist), what it prints on each stream, its status; "stop":
+// stopped once it has printed the start of "output" and started a child, which writes its id to "child".
+struct Run { QByteArray body = {}; QString output = {}, error = {}; int status = 0; bool stop = false; };
 
 bool alive(qint64 pid) { return pid > 0 && ::kill(pid_t(pid), 0) == 0; }
 
@@ -47,65 +51,47 @@ class tst_TWChecker : public QObject
 private Q_SLOTS:
     // Started first, finished last with the status, everything printed in between and whole:
     // also what is printed just before the end, or split inside a character. A program that
-    // cannot be started (no body: none is written) says so and prints nothing. Stop ("stop":
-    // once the program has begun and started a child, which writes its id to "child") ends
-    // the program and everything it started, even one that ignores the request; what it printed
-    // until then ("output" begins it) still arrives.
+    // cannot be started says so and prints nothing. Stop ends the program and everything it
+    // started, even one that ignores the request; what it printed until then still arrives.
     void runs_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("stop");
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<QString>("error");
-        QTest::addColumn<int>("status");
-        QTest::newRow("cannot start") << QByteArray() << false << QString() << QString() << TWChecker::couldNotStartStatus;
-        QTest::newRow("standard error only") << QByteArray("echo oops >&2; exit 3") << false << QString() << "oops\n" << 3;
-        QTest::newRow("both streams") << QByteArray("printf a; sleep 0.1; printf b >&2; printf c") << false << "ac" << "b" << 0;
-        QTest::newRow("a megabyte just before the end")
-            << QByteArray("head -c 1048576 /dev/zero | tr '\\0' x") << false << QString(1 << 20, u'x') << QString() << 0;
-        QTest::newRow("input ends at once") << QByteArray("cat; echo read") << false << "read\n" << QString() << 0;
+        QTest::addColumn<Run>("run");
+        QTest::newRow("cannot start") << Run{.status = TWChecker::couldNotStartStatus};
+        QTest::newRow("both streams, failing") << Run{"printf a; sleep 0.1; printf 'b\\n' >&2; printf c; exit 3", u"ac"_s, u"b\n"_s, 3};
+        QTest::newRow("a megabyte just before the end") << Run{"head -c 1048576 /dev/zero | tr '\\0' x", QString(1 << 20, u'x')};
+        QTest::newRow("input ends at once") << Run{"cat; echo read", u"read\n"_s};
         QTest::newRow("output split inside characters")
-            << QByteArray("printf '\\346\\227'; sleep 0.2; printf '\\245\\n\\360\\237'; sleep 0.2; printf '\\230\\200'") << false
-            << QString::fromUtf8("日\n😀") << QString() << 0;
-        QTest::newRow("bytes that are no UTF-8") << QByteArray("printf 'a\\377b\\n'") << false << "a\uFFFDb\n" << QString() << 0;
-        QTest::newRow("stopped") << QByteArray("echo begun; sleep 1000 & echo $! > child; wait") << true << "begun\n" << QString() << SIGTERM;
+            << Run{"printf '\\346\\227'; sleep 0.2; printf '\\245\\n\\360\\237'; sleep 0.2; printf '\\230\\200'", u"日\n😀"_s};
+        QTest::newRow("bytes that are no UTF-8") << Run{"printf 'a\\377b\\n'", u"a\uFFFDb\n"_s};
+        QTest::newRow("stopped") << Run{"echo begun; sleep 1000 & echo $! > child; wait", u"begun\n"_s, {}, SIGTERM, true};
         QTest::newRow("stopped, ignores the request, floods")
-            << QByteArray("trap '' TERM; echo begun; sleep 1000 & echo $! > child; while :; do echo flood; done") << true << "begun\n"
-            << QString() << SIGKILL;
+            << Run{"trap '' TERM; echo begun; sleep 1000 & echo $! > child; while :; do echo flood; done", u"begun\n"_s, {}, SIGKILL, true};
     }
 
     void runs()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, stop);
-        QFETCH(QString, output);
-        QFETCH(int, status);
-        const QString childFile = dir.filePath(QStringLiteral("child"));
+        QFETCH(Run, run);
+        const QString childFile = dir.filePath(u"child"_s);
         QFile::remove(childFile);
-        if (QTest::currentDataTag() == QLatin1String("bytes that are no UTF-8"))
+        if (QTest::currentDataTag() == "bytes that are no UTF-8"_L1)
             QTest::ignoreMessage(QtWarningMsg, "Not able to encode output. Specified encoding: 4");
         Recorder recorder;
-        const QString program = body.isEmpty() ? dir.filePath(QStringLiteral("missing"))
-                                               : TWTestEnvironment::writeScript(dir.filePath(QStringLiteral("run")), body);
-        TWChecker checker(&recorder, dir.path(), QProcessEnvironment::systemEnvironment(), {program});
-        int finished = -1;
-        connect(&checker, &TWChecker::processFinishedNotification, this, [&finished](int value) { finished = value; });
+        TWChecker checker(&recorder, dir.path(), QProcessEnvironment::systemEnvironment(),
+                          {run.body.isEmpty() ? dir.filePath(u"missing"_s) : TWTestEnvironment::writeScript(dir.filePath(u"run"_s), run.body)});
         checker.startProcess();
         qint64 child = 0;
-        if (stop) {
+        if (run.stop) {
             QVERIFY(TWTestEnvironment::waitFor([&] {
                 child = TWTestEnvironment::readFile(childFile).trimmed().toLongLong();
-                return recorder.output.startsWith(output) && alive(child);
+                return recorder.output.startsWith(run.output) && alive(child);
             }, runTimeout));
             checker.stopProcess();
         }
-        QVERIFY(TWTestEnvironment::waitFor([&finished] { return finished >= 0; }, runTimeout));
-        QCOMPARE(finished, status);
-        QCOMPARE(recorder.events.first(), QStringLiteral("started"));
-        QCOMPARE(recorder.events.last(), QStringLiteral("finished %1").arg(status));
-        QCOMPARE(recorder.events.contains(couldNotStart), status == TWChecker::couldNotStartStatus);
-        QVERIFY2(stop ? recorder.output.startsWith(output) : recorder.output == output, qPrintable(recorder.output.left(80)));
-        QTEST(recorder.error, "error");
+        TW_TRY_COMPARE_WITH_TIMEOUT(recorder.events.last(), u"finished %1"_s.arg(run.status), runTimeout);
+        QCOMPARE(recorder.events.first(), u"started"_s);
+        QCOMPARE(recorder.events.contains(couldNotStart), run.body.isEmpty());
+        QVERIFY2(run.stop ? recorder.output.startsWith(run.output) : recorder.output == run.output, qPrintable(recorder.output.left(80)));
+        QCOMPARE(recorder.error, run.error);
         QVERIFY(TWTestEnvironment::waitFor([child] { return !alive(child); }, runTimeout));
     }
 

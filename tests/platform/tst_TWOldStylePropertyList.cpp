@@ -2,78 +2,70 @@
 // form, round trips through plain ASCII, texts in other layouts, and bad texts refused.
 #include "platform/TWOldStylePropertyList.h"
 
-#include <QPoint>
 #include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Every written text is plain ASCII and reads back as the value. "text" is the written form: null
+// when the value has none and is refused, "any" when any form will do. "input" is a text of another
+// layout, as hand-made library files have, read as the value.
+struct Form { QVariant value; QString text = {}, input = {}; };
+const QString any = ""_L1;
+
+} // namespace
 
 class tst_TWOldStylePropertyList : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    // Every written text is plain ASCII and reads back as the value. "text" is the written form:
-    // null when the value has none and is refused, empty when any form will do. "input" is a
-    // text of another layout, as hand-made library files have, read as the value.
     void forms_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("input");
-        const QString any = QLatin1String("");
+        QTest::addColumn<Form>("form");
         QTest::newRow("quoted only where needed")
-            << QVariant(QVariantList{QStringLiteral("/usr//AZaz09_$+:.-"), QStringLiteral("//x"), any,
-                                     QStringLiteral("<b> a=b;c,(d){e}'f'*#@!?")})
-            << QStringLiteral("(\n    /usr//AZaz09_$+:.-,\n    \"//x\",\n    \"\",\n    \"<b> a=b;c,(d){e}'f'*#@!?\"\n)") << QString();
-        QTest::newRow("escapes")
-            << QVariant(QString::fromUtf8("\"hi\" \\ a\nb\tc\rd\x01\x1b\x7fé日😀"))
-            << QStringLiteral("\"\\\"hi\\\" \\\\ a\\nb\\tc\\rd\\U0001\\U001b\\U007f\\U00e9\\U65e5\\Ud83d\\Ude00\"") << QString();
+            << Form{QVariantList{"/usr//AZaz09_$+:.-", "//x", "", "<b> a=b;c,(d){e}'f'*#@!?"},
+                    u"(\n    /usr//AZaz09_$+:.-,\n    \"//x\",\n    \"\",\n    \"<b> a=b;c,(d){e}'f'*#@!?\"\n)"_s};
+        QTest::newRow("escapes") << Form{u"\"hi\" \\ a\nb\tc\rd\x01\x1b\x7fé日😀"_s,
+                                         u"\"\\\"hi\\\" \\\\ a\\nb\\tc\\rd\\U0001\\U001b\\U007f\\U00e9\\U65e5\\Ud83d\\Ude00\""_s};
         QTest::newRow("array, empty containers and data")
-            << QVariant(QVariantList{QStringLiteral("b c"), QVariantMap(), QVariantList(), QByteArray()})
-            << QStringLiteral("(\n    \"b c\",\n    {},\n    (),\n    <>\n)") << QString();
+            << Form{QVariantList{"b c", QVariantMap(), QVariantList(), QByteArray()}, u"(\n    \"b c\",\n    {},\n    (),\n    <>\n)"_s};
         QTest::newRow("dictionary in map order, data in lower-case hex")
-            << QVariant(QVariantMap{{QStringLiteral("type"), QStringLiteral("2")}, {QStringLiteral("Name"), QStringLiteral("Bold")},
-                                    {QStringLiteral("tag color"), QByteArray("\x0a\xbc\xff", 3)}})
-            << QStringLiteral("{\n    Name = Bold;\n    \"tag color\" = <0abcff>;\n    type = 2;\n}") << QString();
+            << Form{QVariantMap{{"type", "2"}, {"Name", "Bold"}, {"tag color", QByteArray("\x0a\xbc\xff", 3)}},
+                    u"{\n    Name = Bold;\n    \"tag color\" = <0abcff>;\n    type = 2;\n}"_s};
         QString every; // lone surrogates among them
         for (int u = 0; u < 0x10000; ++u)
             every += QChar(u);
-        QTest::newRow("every unit and two characters beyond") << QVariant(every + QString::fromUtf8("😀𝄞")) << any << QString();
-        QTest::newRow("syntax, from a comment start")
-            << QVariant(QStringLiteral("// \"\\'/ /* */ = ; , ( ) { } < > \\U0041 \\n")) << any << QString();
-        QTest::newRow("number") << QVariant(2) << QString() << QString();
-        QTest::newRow("foreign type deep inside")
-            << QVariant(QVariantMap{{QStringLiteral("a"), QVariantList{QStringLiteral("ok"), QPoint(1, 2)}}}) << QString() << QString();
-        const QVariantMap map{{QStringLiteral("a"), QStringLiteral("1")},
-                              {QStringLiteral("b c"), QVariantList{QStringLiteral("x"), QByteArray("\x0a\x1b\x2c")}}};
-        QTest::newRow("comments and odd spacing") << QVariant(map) << any
-            << QStringLiteral("// library\n/**/{//k\n\"a\"/*=*/=\f1\r\n;\t\"b c\" =\v( x , < 0a 1B2C > , )//)\n;}//");
-        QTest::newRow("every escape") << QVariant(QStringLiteral("\"\\'/\a\b\f\n\r\t\v")) << any
-                                      << QStringLiteral("\"\\\"\\\\\\'\\/\\a\\b\\f\\n\\r\\t\\v\"");
-        QTest::newRow("octal escapes") << QVariant(QStringLiteral("A") + QChar(u'\0') + QStringLiteral("\nxA9") + QChar(0xff)) << any
-                                       << QStringLiteral("\"\\101\\0\\12x\\1019\\377\"");
-        QTest::newRow("\\U with one to four digits") << QVariant(QStringLiteral("Az") + QChar(0x065e) + QString::fromUtf8("5本😀\t")) << any
-                                                      << QStringLiteral("\"\\U41z\\U065e5\\U672C\\Ud83d\\Ude00\\U9\"");
-        QTest::newRow("empty containers, trailing comma") << QVariant(QVariantList{QVariantMap(), QVariantList(), QByteArray()}) << any
-                                                          << QStringLiteral("( { } , ( /* */ ) , < > , )");
-        QTest::newRow("slashes inside a bare string") << QVariant(QVariantList{QStringLiteral("a//b"), QStringLiteral("c/")}) << any
-                                                      << QStringLiteral("(a//b, c/ //d\n)");
+        QTest::newRow("every unit and two characters beyond") << Form{every + u"😀𝄞"_s, any};
+        QTest::newRow("number") << Form{2};
+        QTest::newRow("foreign type deep inside") << Form{QVariantMap{{"a", QVariantList{"ok", QPoint(1, 2)}}}};
+        QTest::newRow("comments and odd spacing")
+            << Form{QVariantMap{{"a", "1"}, {"b c", QVariantList{"x", QByteArray("\x0a\x1b\x2c")}}}, any,
+                    u"// library\n/**/{//k\n\"a\"/*=*/=\f1\r\n;\t\"b c\" =\v( x , < 0a 1B2C > , )//)\n;}//"_s};
+        QTest::newRow("every escape") << Form{u"\"\\'/\a\b\f\n\r\t\v"_s, any, u"\"\\\"\\\\\\'\\/\\a\\b\\f\\n\\r\\t\\v\""_s};
+        QTest::newRow("octal escapes") << Form{u"A"_s + QChar(u'\0') + u"\nxA9\u00ff"_s, any, u"\"\\101\\0\\12x\\1019\\377\""_s};
+        QTest::newRow("\\U with one to four digits")
+            << Form{u"Az\u065e5本😀\t"_s, any, u"\"\\U41z\\U065e5\\U672C\\Ud83d\\Ude00\\U9\""_s};
+        QTest::newRow("empty containers, trailing comma")
+            << Form{QVariantList{QVariantMap(), QVariantList(), QByteArray()}, any, u"( { } , ( /* */ ) , < > , )"_s};
+        QTest::newRow("slashes inside a bare string") << Form{QVariantList{"a//b", "c/"}, any, u"(a//b, c/ //d\n)"_s};
     }
 
     void forms()
     {
-        QFETCH(QVariant, value);
-        QFETCH(QString, text);
-        QFETCH(QString, input);
-        if (!input.isNull())
-            QCOMPARE(TWOldStylePropertyList::read(input), std::optional(value));
-        const std::optional<QString> written = TWOldStylePropertyList::write(value);
-        QCOMPARE(written.has_value(), !text.isNull());
+        QFETCH(Form, form);
+        if (!form.input.isNull())
+            QCOMPARE(TWOldStylePropertyList::read(form.input), std::optional(form.value));
+        const std::optional<QString> written = TWOldStylePropertyList::write(form.value);
+        QCOMPARE(written.has_value(), !form.text.isNull());
         if (!written)
             return;
-        if (!text.isEmpty())
-            QCOMPARE(*written, text);
+        if (!form.text.isEmpty())
+            QCOMPARE(*written, form.text);
         for (const QChar c : *written)
             QVERIFY2(c.unicode() < 0x7f && (c.unicode() >= 0x20 || c == u'\n'), "not plain ASCII");
-        QCOMPARE(TWOldStylePropertyList::read(*written), std::optional(value));
+        QCOMPARE(TWOldStylePropertyList::read(*written), std::optional(form.value));
     }
 
     // Each fails as a whole, with the reason and where it was found.

@@ -2,8 +2,6 @@
 // trip in the standard form, whatever is read can be written again, bad documents are refused whole.
 #include "platform/TWXMLPropertyList.h"
 
-#include <QDateTime>
-#include <QPoint>
 #include <QRandomGenerator>
 #include <QTest>
 #include <QTimeZone>
@@ -26,10 +24,7 @@ QByteArray document(const QByteArray &body) { return header + body + "\n</plist>
 QByteArray arrays(int n) { return QByteArray("<array>").repeated(n) + QByteArray("</array>").repeated(n); }
 QVariant nested(int n) { return n > 1 ? QVariant(QVariantList{nested(n - 1)}) : QVariant(QVariantList()); }
 
-QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0, int second = 0)
-{
-    return QDateTime(QDate(year, month, day), QTime(hour, minute, second), QTimeZone::utc());
-}
+QDateTime utc(int year, int month, int day, int hour = 0) { return QDateTime(QDate(year, month, day), QTime(hour, 0), QTimeZone::utc()); }
 
 // A text a file could hold or a user could paste: any of the 65536 units, with extra weight
 // on controls, surrogates, what XML escapes, and look-alikes of the written form.
@@ -41,13 +36,15 @@ QString randomText(QRandomGenerator &random)
     for (int i = random.bounded(12); i > 0; --i) {
         const int kind = random.bounded(4); // any unit, a control, a surrogate, or a piece
         const auto unit = char16_t(random.bounded(0x10000));
-        if (kind == 3)
-            text += pieces.at(random.bounded(pieces.size()));
-        else
-            text += QChar(kind == 0 ? unit : kind == 1 ? unit % 0x20 : 0xD800 + unit % 0x800);
+        text += kind == 3 ? pieces.at(random.bounded(pieces.size())) : QChar(kind == 0 ? unit : kind == 1 ? unit % 0x20 : 0xD800 + unit % 0x800);
     }
     return text;
 }
+
+// A value and its written form ("body"), which reads back as a value written the same again; an
+// empty body: the value has no form and is refused. Or a document of another writer ("input")
+// read as the value, whose written form must read as the same value: the store writes back all it read.
+struct Form { QVariant value; QByteArray body = {}, input = {}; };
 
 } // namespace
 
@@ -77,58 +74,47 @@ private Q_SLOTS:
         }
     }
 
-    // A value and its written form ("body"), which reads back as a value written the same
-    // again; an empty body: the value has no form and is refused. Or a document of another
-    // writer ("input") read as the value, whose written form must read as the same value: the
-    // store writes back all it read.
     void forms_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QByteArray>("input");
-        QTest::newRow("escaped, CR, UTF-8") << QVariant(QString::fromUtf8("a<b & c>d \"e' ]]>\r\n\té😀"))
-            << QByteArray("<string>a&lt;b &amp; c&gt;d \"e' ]]&gt;&#13;\n\t\xc3\xa9\xf0\x9f\x98\x80</string>") << QByteArray();
+        QTest::addColumn<Form>("form");
+        QTest::newRow("escaped, CR, UTF-8") << Form{QString::fromUtf8("a<b & c>d \"e' ]]>\r\n\té😀"),
+                                                   "<string>a&lt;b &amp; c&gt;d \"e' ]]&gt;&#13;\n\t\xc3\xa9\xf0\x9f\x98\x80</string>"};
         QTest::newRow("nested, keys sorted, control in a key")
-            << QVariant(QVariantMap{{QStringLiteral("b"), QVariantList{QVariantMap{{QStringLiteral("c"), true}}}},
-                                    {QStringLiteral("a"), QStringList()}, {QStringLiteral("B\x01"), QVariantMap()}})
-            << QByteArray("<dict>\n\t<key>B<?tw-char 0001?></key>\n\t<dict/>\n\t<key>a</key>\n\t<array/>\n\t<key>b</key>\n\t<array>\n"
-                          "\t\t<dict>\n\t\t\t<key>c</key>\n\t\t\t<true/>\n\t\t</dict>\n\t</array>\n</dict>") << QByteArray();
+            << Form{QVariantMap{{"b", QVariantList{QVariantMap{{"c", true}}}}, {"a", QStringList()}, {"B\x01", QVariantMap()}},
+                    "<dict>\n\t<key>B<?tw-char 0001?></key>\n\t<dict/>\n\t<key>a</key>\n\t<array/>\n\t<key>b</key>\n\t<array>\n"
+                    "\t\t<dict>\n\t\t\t<key>c</key>\n\t\t\t<true/>\n\t\t</dict>\n\t</array>\n</dict>"};
         QTest::newRow("numbers, data, date")
-            << QVariant(QVariantList{std::numeric_limits<qlonglong>::min(), std::numeric_limits<qulonglong>::max(), 0.1, 5e-324,
-                                     0.3f, QByteArray("\x00\x01\x02\xff", 4), utc(2001, 2, 3, 4, 5, 6)})
-            << QByteArray("<array>\n\t<integer>-9223372036854775808</integer>\n\t<integer>18446744073709551615</integer>\n"
-                          "\t<real>0.1</real>\n\t<real>5e-324</real>\n\t<real>0.3</real>\n\t<data>AAEC/w==</data>\n"
-                          "\t<date>2001-02-03T04:05:06Z</date>\n</array>") << QByteArray();
+            << Form{QVariantList{std::numeric_limits<qlonglong>::min(), std::numeric_limits<qulonglong>::max(), 0.1, 5e-324, 0.3f,
+                                 QByteArray("\x00\x01\x02\xff", 4), QDateTime(QDate(2001, 2, 3), QTime(4, 5, 6), QTimeZone::utc())},
+                    "<array>\n\t<integer>-9223372036854775808</integer>\n\t<integer>18446744073709551615</integer>\n"
+                    "\t<real>0.1</real>\n\t<real>5e-324</real>\n\t<real>0.3</real>\n\t<data>AAEC/w==</data>\n"
+                    "\t<date>2001-02-03T04:05:06Z</date>\n</array>"};
         // Values without a form: an infinite real, a five-digit year, a foreign type inside, nesting
         // one level deeper than the reader reads.
         for (const QVariant &value : {QVariant(qInf()), QVariant(utc(10000, 1, 1)), QVariant(QVariantList{1, QVariantList{QPoint()}})})
-            QTest::addRow("no form: %s", value.typeName()) << value << QByteArray() << QByteArray();
-        QTest::newRow("no form: too deep") << nested(TWXMLPropertyList::maxDepth + 1) << QByteArray() << QByteArray();
-        QTest::newRow("the deepest nesting") << nested(TWXMLPropertyList::maxDepth) << QByteArray() << arrays(TWXMLPropertyList::maxDepth);
+            QTest::addRow("no form: %s", value.typeName()) << Form{value};
+        QTest::newRow("no form: too deep") << Form{nested(TWXMLPropertyList::maxDepth + 1)};
+        QTest::newRow("the deepest nesting") << Form{nested(TWXMLPropertyList::maxDepth), {}, arrays(TWXMLPropertyList::maxDepth)};
         QTest::newRow("dates: offset, none (UTC), fraction")
-            << QVariant(QVariantList{utc(2001, 1, 1), utc(2001, 1, 1, 10), utc(2001, 1, 1, 10)}) << QByteArray()
-            << document("<array><date>2001-01-01T02:00:00+02:00</date><date>2001-01-01T10:00:00</date>"
-                        "<date>2001-01-01T10:00:00.7Z</date></array>");
-        QTest::newRow("data, blanks") << QVariant(QByteArray("\x00\x01\x02\xff", 4)) << QByteArray()
-                                      << document("<data> AA\n\tEC\r\n/w== </data>");
+            << Form{QVariantList{utc(2001, 1, 1), utc(2001, 1, 1, 10), utc(2001, 1, 1, 10)}, {},
+                    document("<array><date>2001-01-01T02:00:00+02:00</date><date>2001-01-01T10:00:00</date>"
+                             "<date>2001-01-01T10:00:00.7Z</date></array>")};
+        QTest::newRow("data, blanks") << Form{QByteArray("\x00\x01\x02\xff", 4), {}, document("<data> AA\n\tEC\r\n/w== </data>")};
         // In text, a tw-char instruction in lower case or short; elsewhere it is any instruction.
-        QTest::newRow("tw-char") << QVariant(QVariantMap{{QStringLiteral("\x1b"), QStringLiteral("a\f") + QChar(0xD800)},
-                                                         {QStringLiteral("n"), qlonglong(12)}}) << QByteArray()
-                                 << document("<?tw-char 000C?><dict><key><?tw-char 1b?></key><string>a<?tw-char c?><?tw-char d800?>"
-                                             "</string><?tw-char x?><key>n</key><integer>1<?tw-char 0041?>2</integer></dict>");
+        QTest::newRow("tw-char") << Form{QVariantMap{{"\x1b", QStringLiteral("a\f") + QChar(0xD800)}, {"n", qlonglong(12)}}, {},
+                                         document("<?tw-char 000C?><dict><key><?tw-char 1b?></key><string>a<?tw-char c?><?tw-char d800?>"
+                                                  "</string><?tw-char x?><key>n</key><integer>1<?tw-char 0041?>2</integer></dict>")};
     }
 
     void forms()
     {
-        QFETCH(QVariant, value);
-        QFETCH(QByteArray, body);
-        QFETCH(QByteArray, input);
-        const std::optional<QByteArray> written = TWXMLPropertyList::write(value);
-        if (!input.isEmpty()) {
-            QCOMPARE(TWXMLPropertyList::read(input), std::optional(value));
-            QCOMPARE(TWXMLPropertyList::read(written.value_or(QByteArray())), std::optional(value));
+        QFETCH(Form, form);
+        const std::optional<QByteArray> written = TWXMLPropertyList::write(form.value);
+        if (!form.input.isEmpty()) {
+            QCOMPARE(TWXMLPropertyList::read(form.input), std::optional(form.value));
+            QCOMPARE(TWXMLPropertyList::read(written.value_or(QByteArray())), std::optional(form.value));
         } else {
-            QCOMPARE(written, body.isEmpty() ? std::nullopt : std::optional(document(body)));
+            QCOMPARE(written, form.body.isEmpty() ? std::nullopt : std::optional(document(form.body)));
             if (written)
                 QCOMPARE(TWXMLPropertyList::write(TWXMLPropertyList::read(*written).value_or(QVariant())), written);
         }

@@ -18,14 +18,16 @@
 #include <QPushButton>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 // Built-in rows: a paired record without a colour of its own, holding a key, and one out of the
 // menus.
 constexpr int boldRow = 3;
 constexpr int imageRow = 6;
-const QString ownKey = QStringLiteral("k");
-const QString takenKey = QStringLiteral("t"); // the italic record's
+const QString ownKey = u"k"_s, takenKey = u"t"_s; // the latter the italic record's
 // The controls that show a record's fields, in the order of contents().
+enum Control { Type, Tag, Name, FirstTag, SecondTag, OwnColor, Well, Key, Menu, MenuTitle };
 const QStringList controls = {"typeButton", "tagField", "nameField", "firstTagField", "secondTagField",
     "specificColorButton", "specificColorWell", "shortcutKeyField", "menuButton", "menuTitleField"};
 
@@ -34,6 +36,12 @@ QVariantList contents(const TWHTMLTag &tag)
     return {tag.type(), tag.tag(), tag.name(), tag.firstTag(), tag.secondTag(), tag.useSpecificColor(),
             tag.tagColor(), tag.shortcutKey(), tag.includeInMenu(), tag.title()};
 }
+
+// A row of the library, the control the user changes and what is typed into it (a space clicks a
+// button), what the sheet then holds for it, how the sheet ends, and per control at the end
+// whether it is enabled (w) or not (-); the beeps.
+enum class Ending { OK, Cancel, Escape };
+struct Edit { int row; Control control; QString typed; QVariant held; Ending ending; QString enabled; int beeps = 0; };
 } // namespace
 
 class tst_TWHTMLTagEditPanelController : public QObject
@@ -54,61 +62,49 @@ private Q_SLOTS:
 
     void sheetChangesTheRecordOnlyWithOK_data()
     {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QString>("control"); // the one the user changes
-        QTest::addColumn<QString>("typed"); // a space clicks a button
-        QTest::addColumn<QVariant>("held"); // what the sheet then holds for it
-        QTest::addColumn<QString>("ending"); // "ok", "cancel" or "escape"
-        QTest::addColumn<int>("beeps");
-        QTest::addColumn<QString>("enabled"); // per control at the end: w enabled, - disabled
-        const QString key = QStringLiteral("shortcutKeyField"), name = QStringLiteral("nameField");
-        const QString well = QStringLiteral("specificColorWell"), own = QStringLiteral("specificColorButton");
-        const QColor blue(0x336699);
-        QTest::newRow("comment renamed") << 0 << name << "Remark" << QVariant("Remark") << "ok" << 0 << "--w--wwwww";
-        QTest::newRow("generic, cancel") << 1 << name << "Any" << QVariant("Any") << "cancel" << 0 << "--w---wwww";
-        QTest::newRow("quotation, escape") << 2 << name << "Say" << QVariant("Say") << "escape" << 0 << "--w----www";
-        QTest::newRow("own colour on") << boldRow << own << " " << QVariant(true) << "ok" << 0 << "wwwwwwwwww";
-        QTest::newRow("made single") << boldRow << "typeButton" << "S" << QVariant(TWHTMLTag::singleType) << "ok" << 0 << "wwww-w-www";
-        QTest::newRow("taken key, escape") << boldRow << key << takenKey << QVariant(ownKey) << "escape" << 1 << "wwwwww-www";
-        QTest::newRow("menu off, key in field") << boldRow << "menuButton" << " " << QVariant(false) << "ok" << 0 << "wwwwww--w-";
-        QTest::newRow("single, free key, first character") << 5 << key << "zq" << QVariant("z") << "ok" << 0 << "wwww-wwwww";
-        QTest::newRow("out of the menus, recoloured") << imageRow << well << " " << QVariant(blue) << "ok" << 0 << "wwww-ww-w-";
+        QTest::addColumn<Edit>("edit");
+        using enum Ending;
+        QTest::newRow("comment renamed") << Edit{0, Name, "Remark", "Remark", OK, "--w--wwwww"};
+        QTest::newRow("generic, cancel") << Edit{1, Name, "Any", "Any", Cancel, "--w---wwww"};
+        QTest::newRow("quotation, escape") << Edit{2, Name, "Say", "Say", Escape, "--w----www"};
+        QTest::newRow("own colour on") << Edit{boldRow, OwnColor, " ", true, OK, "wwwwwwwwww"};
+        QTest::newRow("made single") << Edit{boldRow, Type, "S", TWHTMLTag::singleType, OK, "wwww-w-www"};
+        QTest::newRow("taken key, escape") << Edit{boldRow, Key, takenKey, ownKey, Escape, "wwwwww-www", 1};
+        QTest::newRow("menu off, key in field") << Edit{boldRow, Menu, " ", false, OK, "wwwwww--w-"};
+        QTest::newRow("single, free key, first character") << Edit{5, Key, "zq", "z", OK, "wwww-wwwww"};
+        QTest::newRow("out of the menus, recoloured") << Edit{imageRow, Well, " ", QColor(0x336699), OK, "wwww-ww-w-"};
     }
 
     void sheetChangesTheRecordOnlyWithOK()
     {
-        QFETCH(int, row);
-        QFETCH(QString, control);
-        QFETCH(QString, typed);
-        QFETCH(QVariant, held);
-        QFETCH(QString, ending);
+        QFETCH(Edit, edit);
         TWTagLibraryWindowController *window = TWTagLibraryWindowController::sharedTagLibraryController();
-        window->tableView()->selectRow(row);
+        window->tableView()->selectRow(edit.row);
         window->editButtonPressed();
         TWHTMLTagEditPanelController *panel = window->editPanelController();
         QVERIFY(panel->isVisible());
-        const TWHTMLTag *record = TWHTMLTagLibrary::sharedTagLibrary()->tagAtIndex(row);
+        const TWHTMLTag *record = TWHTMLTagLibrary::sharedTagLibrary()->tagAtIndex(edit.row);
         const QVariantList before = contents(*record);
-        QWidget *widget = panel->findChild<QWidget *>(control);
+        QWidget *widget = panel->findChild<QWidget *>(controls[edit.control]);
         if (auto *field = qobject_cast<QLineEdit *>(widget))
             field->clear();
-        QTest::keyClicks(widget, typed);
+        QTest::keyClicks(widget, edit.typed);
         if (auto *colors = panel->findChild<QColorDialog *>(); colors && colors->isVisible()) { // the well opened it
-            colors->setCurrentColor(held.value<QColor>());
+            colors->setCurrentColor(edit.held.value<QColor>());
             colors->accept();
         }
         // The sheet works on a copy.
         QCOMPARE(contents(*record), before);
-        if (ending == u"escape")
+        if (edit.ending == Ending::Escape)
             QTest::keyClick(panel, Qt::Key_Escape);
         else
-            panel->findChild<QDialogButtonBox *>()->button(ending == u"ok" ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel)->click();
+            panel->findChild<QDialogButtonBox *>()->button(edit.ending == Ending::OK ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel)->click();
 
         QVERIFY(!panel->isVisible() && !panel->editedTag());
         QVariantList sheet = before;
-        sheet[controls.indexOf(control)] = held;
-        QCOMPARE(contents(*record), ending == u"ok" ? sheet : before);
-        QTEST(TWBeepCount(), "beeps");
+        sheet[edit.control] = edit.held;
+        QCOMPARE(contents(*record), edit.ending == Ending::OK ? sheet : before);
+        QCOMPARE(TWBeepCount(), edit.beeps);
         // Each control shows what the sheet holds (the pop-up as a type code).
         QString enabled;
         for (qsizetype i = 0; i < controls.size(); ++i) {
@@ -121,7 +117,7 @@ private Q_SLOTS:
             QCOMPARE(std::pair(controls[i], value), std::pair(controls[i], sheet[i]));
             enabled += shown->isEnabled() ? u'w' : u'-';
         }
-        QTEST(enabled, "enabled");
+        QCOMPARE(enabled, edit.enabled);
     }
 };
 
