@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QIcon>
 
 #include <cstdio>
 
@@ -21,6 +22,10 @@ namespace {
 
 // The exit status of a launch whose files the running instance did not take.
 constexpr int noAnswerStatus = 1;
+
+// The picture that the desktop shows for Tagwright, carried in the bundle so that the windows
+// show it too wherever the program was installed.
+constexpr char applicationIconPath[] = ":/desktop/tagwright.svg";
 
 // The window that a file opens in, by the delegate's routing; a project comes to the front
 // with its page.
@@ -104,6 +109,7 @@ int main(int argc, char **argv)
         break;
     }
 
+    QApplication::setWindowIcon(QIcon(QLatin1String(applicationIconPath)));
     TWInstallTranslations(&application);
     TWQuitOnTerminationSignals(&application);
 

@@ -6,8 +6,8 @@
 namespace {
 
 constexpr char cutMark[] = " [...]";
-constexpr char fullText[] = "\n[Only the first %1 MB of the output are shown.]\n";
-constexpr char summaryText[] = "\n[%1 more characters were not shown.]\n";
+constexpr char fullText[] = QT_TRANSLATE_NOOP("TWOutputLimit", "\n[Only the first %1 MB of the output are shown.]\n");
+constexpr char summaryText[] = QT_TRANSLATE_NOOP("TWOutputLimit", "\n[%1 more characters were not shown.]\n");
 
 } // namespace
 

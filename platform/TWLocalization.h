@@ -11,5 +11,6 @@ QString TWLocalizedString(const char *key);
 QString TWLocalizedString(const char *key, int count);
 
 // Loads the string table for the user's language, with English underneath it so that
-// every key has a text. Answers false when not even the English table could be loaded.
+// every key has a text, and Qt's own texts (dialogs, standard buttons) in that language.
+// Answers false when not even the English table could be loaded.
 bool TWInstallTranslations(QCoreApplication *application);

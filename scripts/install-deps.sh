@@ -5,12 +5,13 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools
+  qt6-base-dev qt6-base-dev-tools qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools qt6-translations-l10n
   qt6-webengine-dev qt6-webengine-dev-tools libqt6webenginecore6-bin
   libicu-dev qt6-qpa-plugins libgl-dev libvulkan-dev libxkbcommon-dev libxcb1-dev
   fonts-dejavu-core fonts-ipafont-gothic
   xvfb xauth xdotool x11-utils imagemagick time
   tidy nodejs node-css-tree
+  libqt6svg6 desktop-file-utils appstream shared-mime-info xdg-utils libfile-mimeinfo-perl libxml2-utils
 )
 
 missing=()

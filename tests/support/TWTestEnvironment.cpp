@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QTimer>
 
 #include <cstdlib>
@@ -34,6 +35,11 @@ std::string makePrivateHome()
         setenv(name, value.c_str(), 1);
     }
     chmod((home + "/runtime").c_str(), 0700);
+    // The texts the tests compare are the English ones, whatever the machine's language (and
+    // the programs the tests start speak English too).
+    unsetenv("LANGUAGE");
+    setenv("LC_ALL", "C.UTF-8", 1);
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     // The preview engine shares drawing contexts with the application, and refuses to run as
     // root with its sandbox on.
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
