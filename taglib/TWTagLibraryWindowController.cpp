@@ -243,9 +243,12 @@ void TWTagLibraryWindowController::importTagLibrary()
     if (paths.isEmpty())
         return;
     ui->messageBar->dismiss();
-    const QString why = importFile(paths.first());
+    QString why = importFile(paths.first());
     if (!why.isEmpty()) {
         TWBeep();
+        // The reason is a sentence of its own; the message goes on after it.
+        if (why.endsWith(QLatin1Char('.')))
+            why.chop(1);
         ui->messageBar->showMessage(tr("%1 was not imported: %2. The library is as it was.")
                                         .arg(QFileInfo(paths.first()).fileName(), why));
         return;
