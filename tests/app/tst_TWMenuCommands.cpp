@@ -9,6 +9,7 @@
 #include "documents/TWTemplateWindowController.h"
 #include "editor/TWEditWindowController.h"
 #include "editor/TWEditorTextView.h"
+#include "editor/TWLineNumberGutter.h"
 #include "editor/TWTemplateTextView.h"
 #include "panels/TWColorPanelController.h"
 #include "panels/TWFindPanelController.h"
@@ -100,6 +101,9 @@ private Q_SLOTS:
         QTest::newRow("line breaks") << "&Line Breaks as <br>" << Command{[] { viewer()->setLineBreakValidation(false); }, [] {
             return flag(viewer()->lineBreakValidation());
         }} << "1";
+        QTest::newRow("line numbers") << "Line &Numbers" << Command{[] { TWLineNumberGutter::setLineNumbersShown(true); }, [] {
+            return flag(TWLineNumberGutter::lineNumbersShown() || !html()->lineNumberGutter()->isHidden());
+        }} << "0";
         QTest::newRow("browser") << "opener" << Command{[preferences, this, opened] {
             preferences->setExBrowsers({TWTestEnvironment::writeScript(dir.filePath(QStringLiteral("opener")),
                                                                        "printf %s \"$1\" > '" + opened.toUtf8() + "'")});
