@@ -77,12 +77,13 @@ QStringList TWPanels::runApplicationPanel(QWidget *parent)
     if (openHandler)
         return openHandler({QLatin1String(TWDesktopEntry::extension)});
 
+    // The icons outlive the dialog that asks for them.
+    ApplicationIcons icons;
     QFileDialog dialog(parent);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setFileMode(QFileDialog::ExistingFile);
     // Qt's own dialog, which shows each desktop entry with its application's icon.
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    ApplicationIcons icons;
     dialog.setIconProvider(&icons);
     dialog.setDirectory(QDir(QLatin1String(applicationsFolder)).exists() ? QLatin1String(applicationsFolder) : QDir::homePath());
     dialog.setNameFilters({QFileDialog::tr("Applications (*.%1)").arg(QLatin1String(TWDesktopEntry::extension)), QFileDialog::tr("Programs (*)")});
