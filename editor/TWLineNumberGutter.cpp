@@ -1,9 +1,11 @@
 #include "editor/TWLineNumberGutter.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QTextBlock>
+#include <QTextLayout>
 
 namespace {
 
@@ -36,12 +38,17 @@ TWLineNumberGutter::TWLineNumberGutter(QPlainTextEdit *editor)
             update(0, rect.y(), width(), rect.height());
     });
     connect(editor, &QPlainTextEdit::blockCountChanged, this, &TWLineNumberGutter::lineCountChanged);
+    // Only the numbers of the line left and the line entered change their look.
     connect(editor, &QPlainTextEdit::cursorPositionChanged, this, [this] {
         const int line = this->editor->textCursor().blockNumber();
-        if (line != currentLine) {
-            currentLine = line;
-            update();
+        if (line == currentLine)
+            return;
+        for (const int changed : {currentLine, line}) {
+            const QTextBlock block = this->editor->document()->findBlockByNumber(changed);
+            if (block.isValid())
+                update(0, this->editor->cursorRect(QTextCursor(block)).top(), width(), this->editor->fontMetrics().height());
         }
+        currentLine = line;
     });
     digits = int(QString::number(editor->blockCount()).size());
 }
@@ -72,14 +79,18 @@ void TWLineNumberGutter::lineCountChanged()
 
 template <class Visit> void TWLineNumberGutter::forEachVisibleLine(int bottom, Visit visit) const
 {
-    // Each line's number stands by its first row, where the editor would put a caret at its start.
-    for (QTextBlock block = editor->cursorForPosition(QPoint(0, 0)).block(); block.isValid(); block = block.next()) {
-        if (!block.isVisible())
-            continue;
-        const int top = editor->cursorRect(QTextCursor(block)).top();
-        if (top > bottom)
-            break;
-        visit(block.blockNumber(), top);
+    // Each line's number stands by its first row, where the editor would put a caret at its
+    // start; the lines below follow at the heights the layout already knows.
+    QTextBlock block = editor->cursorForPosition(QPoint(0, 0)).block();
+    if (!block.isValid())
+        return;
+    const QAbstractTextDocumentLayout *layout = editor->document()->documentLayout();
+    qreal top = editor->cursorRect(QTextCursor(block)).top() - block.layout()->lineAt(0).y();
+    for (; block.isValid() && top <= bottom; block = block.next()) {
+        if (block.isVisible()) {
+            visit(block.blockNumber(), int(top + block.layout()->lineAt(0).y()));
+            top += layout->blockBoundingRect(block).height();
+        }
     }
 }
 
