@@ -29,7 +29,6 @@ TWLineNumberGutter::TWLineNumberGutter(QPlainTextEdit *editor)
     : QWidget(editor)
     , editor(editor)
 {
-    setAutoFillBackground(false);
     // Scrolling moves the numbers with the text; an edit or a caret blink repaints their band.
     connect(editor, &QPlainTextEdit::updateRequest, this, [this](const QRect &rect, int dy) {
         if (dy != 0)
@@ -50,13 +49,18 @@ TWLineNumberGutter::TWLineNumberGutter(QPlainTextEdit *editor)
         }
         currentLine = line;
     });
-    digits = int(QString::number(editor->blockCount()).size());
+    digits = digitsNeeded();
 }
 
 void TWLineNumberGutter::setLineNumbersShown(bool flag)
 {
     shown = flag;
     forEachGutter([](TWLineNumberGutter *gutter) { Q_EMIT gutter->widthChanged(); });
+}
+
+int TWLineNumberGutter::digitsNeeded() const
+{
+    return int(QString::number(editor->blockCount()).size());
 }
 
 int TWLineNumberGutter::gutterWidth() const
@@ -70,7 +74,7 @@ void TWLineNumberGutter::lineCountChanged()
 {
     // Only a change of width lays the text out again: a new line within the same number of
     // digits costs nothing here.
-    const int needed = int(QString::number(editor->blockCount()).size());
+    const int needed = digitsNeeded();
     if (needed == digits)
         return;
     digits = needed;
@@ -106,7 +110,6 @@ void TWLineNumberGutter::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     const QPalette colors = editor->palette();
     painter.fillRect(event->rect(), colors.window());
-    painter.setFont(editor->font());
     const int current = editor->textCursor().blockNumber();
     const int lineHeight = editor->fontMetrics().height();
     forEachVisibleLine(event->rect().bottom(), [&](int line, int top) {

@@ -22,8 +22,6 @@ public:
     // The line numbers (1-based) drawn at the moment, from the top.
     QList<int> visibleLineNumbers() const;
 
-    QSize sizeHint() const override { return {gutterWidth(), 0}; }
-
 Q_SIGNALS:
     // The numbers need another width: the editor makes room and places the gutter again.
     void widthChanged();
@@ -34,6 +32,7 @@ protected:
 private:
     template <class Visit> void forEachVisibleLine(int bottom, Visit visit) const;
     void lineCountChanged();
+    int digitsNeeded() const;
 
     static inline bool shown = true;
     QPlainTextEdit *editor;

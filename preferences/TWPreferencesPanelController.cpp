@@ -37,6 +37,17 @@ constexpr int offeredSizes[] = {9, 10, 11, 12, 13, 14, 16, 18, 20, 24, 28, 36, 4
 constexpr double percent = 100.0;
 // The suspend time shows one digit after the point.
 constexpr int suspendTimeDecimals = 1;
+// The preference of each font, in the order of the kinds.
+const struct
+{
+    const QFont &(TWPreferences::*get)() const;
+    void (TWPreferences::*set)(const QFont &);
+} fontPreferences[] = {{&TWPreferences::viewerFont, &TWPreferences::setViewerFont},
+                       {&TWPreferences::viewerFixedFont, &TWPreferences::setViewerFixedFont},
+                       {&TWPreferences::editorFont, &TWPreferences::setEditorFont},
+                       {&TWPreferences::templateFont, &TWPreferences::setTemplateFont},
+                       {&TWPreferences::cssFont, &TWPreferences::setCSSFont}};
+
 // A probe file name: an application that would open it can open the page.
 constexpr char probeFile[] = "page.html";
 
@@ -56,26 +67,18 @@ TWPreferencesPanelController::TWPreferencesPanelController()
     , browsersModel(new TWExBrowserTableModel(this))
 {
     ui->setupUi(this);
-    for (const int size : offeredSizes)
-        for (QComboBox *menu : {ui->viewerFontSizeMenu, ui->viewerFixedFontSizeMenu, ui->editorFontSizeMenu,
-                                ui->templateFontSizeMenu, ui->cssFontSizeMenu})
-            menu->addItem(QString::number(size));
     // The items in the order of the codes.
     for (const int code : {TWTextEncoding::shiftJIS, TWTextEncoding::eucJP, TWTextEncoding::iso2022JP, TWTextEncoding::utf8})
         ui->textEncodingMenu->addItem(QLatin1String(TWTextFile::encodingName(code)));
     ui->returnCodeMenu->addItems({tr("CR (classic Mac)"), tr("LF (Linux, macOS)"), tr("CR LF (Windows)")});
 
-    const struct { FontKind kind; QPushButton *button; QComboBox *size; } fonts[] = {
-        {viewerFont, ui->viewerFontButton, ui->viewerFontSizeMenu},
-        {viewerFixedFont, ui->viewerFixedFontButton, ui->viewerFixedFontSizeMenu},
-        {editorFont, ui->editorFontButton, ui->editorFontSizeMenu},
-        {templateFont, ui->templateFontButton, ui->templateFontSizeMenu},
-        {cssFont, ui->cssFontButton, ui->cssFontSizeMenu}};
-    for (const auto &font : fonts) {
-        const FontKind kind = font.kind;
-        connect(font.button, &QPushButton::clicked, this, [this, kind] { chooseFont(kind); });
-        connect(font.size, &QComboBox::activated, this, [this, kind] { changeFontSize(kind); });
-        connect(font.size->lineEdit(), &QLineEdit::editingFinished, this, [this, kind] { changeFontSize(kind); });
+    for (const FontKind kind : fontKinds) {
+        const FontControls controls = fontControls(kind);
+        for (const int size : offeredSizes)
+            controls.size->addItem(QString::number(size));
+        connect(controls.button, &QPushButton::clicked, this, [this, kind] { chooseFont(kind); });
+        connect(controls.size, &QComboBox::activated, this, [this, kind] { changeFontSize(kind); });
+        connect(controls.size->lineEdit(), &QLineEdit::editingFinished, this, [this, kind] { changeFontSize(kind); });
     }
     connect(ui->editorTextColorWell, &TWColorWell::colorChosen, this, &TWPreferencesPanelController::changeEditorTextColor);
     connect(ui->editorBGColorWell, &TWColorWell::colorChosen, this, &TWPreferencesPanelController::changeEditorBackgroundColor);
@@ -117,7 +120,7 @@ TWPreferencesPanelController::~TWPreferencesPanelController()
 
 void TWPreferencesPanelController::awakeFromNib()
 {
-    for (const FontKind kind : {viewerFont, viewerFixedFont, editorFont, templateFont, cssFont})
+    for (const FontKind kind : fontKinds)
         showFont(kind);
     ui->editorTextColorWell->setColor(preferences->editorTextColor());
     ui->editorBGColorWell->setColor(preferences->editorBGColor());
@@ -151,42 +154,31 @@ void TWPreferencesPanelController::runPreferencesPanel()
 
 // Fonts ---------------------------------------------------------------------------------------
 
-QFont TWPreferencesPanelController::font(FontKind kind) const
+TWPreferencesPanelController::FontControls TWPreferencesPanelController::fontControls(FontKind kind) const
 {
     switch (kind) {
     case viewerFont:
-        return preferences->viewerFont();
+        return {ui->viewerFontField, ui->viewerFontSizeMenu, ui->viewerFontButton};
     case viewerFixedFont:
-        return preferences->viewerFixedFont();
+        return {ui->viewerFixedFontField, ui->viewerFixedFontSizeMenu, ui->viewerFixedFontButton};
     case editorFont:
-        return preferences->editorFont();
+        return {ui->editorFontField, ui->editorFontSizeMenu, ui->editorFontButton};
     case templateFont:
-        return preferences->templateFont();
+        return {ui->templateFontField, ui->templateFontSizeMenu, ui->templateFontButton};
     case cssFont:
-        return preferences->cssFont();
+        break;
     }
-    return {};
+    return {ui->cssFontField, ui->cssFontSizeMenu, ui->cssFontButton};
+}
+
+QFont TWPreferencesPanelController::font(FontKind kind) const
+{
+    return (preferences->*fontPreferences[kind].get)();
 }
 
 void TWPreferencesPanelController::setFont(FontKind kind, const QFont &font)
 {
-    switch (kind) {
-    case viewerFont:
-        preferences->setViewerFont(font);
-        break;
-    case viewerFixedFont:
-        preferences->setViewerFixedFont(font);
-        break;
-    case editorFont:
-        preferences->setEditorFont(font);
-        break;
-    case templateFont:
-        preferences->setTemplateFont(font);
-        break;
-    case cssFont:
-        preferences->setCSSFont(font);
-        break;
-    }
+    (preferences->*fontPreferences[kind].set)(font);
 }
 
 void TWPreferencesPanelController::applyFont(FontKind kind)
@@ -210,15 +202,12 @@ void TWPreferencesPanelController::applyFont(FontKind kind)
 
 void TWPreferencesPanelController::showFont(FontKind kind)
 {
-    QLineEdit *const fields[] = {ui->viewerFontField, ui->viewerFixedFontField, ui->editorFontField, ui->templateFontField,
-                                 ui->cssFontField};
-    QComboBox *const sizes[] = {ui->viewerFontSizeMenu, ui->viewerFixedFontSizeMenu, ui->editorFontSizeMenu,
-                                ui->templateFontSizeMenu, ui->cssFontSizeMenu};
     const QFont shown = font(kind);
+    const FontControls controls = fontControls(kind);
     // The family the font resolves to here, not an alias such as "monospace".
-    fields[kind]->setText(QFontInfo(shown).family());
-    fields[kind]->setCursorPosition(0);
-    sizes[kind]->setEditText(QString::number(TWPreferences::fontSize(shown)));
+    controls.field->setText(QFontInfo(shown).family());
+    controls.field->setCursorPosition(0);
+    controls.size->setEditText(QString::number(TWPreferences::fontSize(shown)));
 }
 
 void TWPreferencesPanelController::chooseFont(FontKind kind)
@@ -247,11 +236,9 @@ void TWPreferencesPanelController::changeFont(FontKind kind, const QFont &chosen
 
 void TWPreferencesPanelController::changeFontSize(FontKind kind)
 {
-    QComboBox *const sizes[] = {ui->viewerFontSizeMenu, ui->viewerFixedFontSizeMenu, ui->editorFontSizeMenu,
-                                ui->templateFontSizeMenu, ui->cssFontSizeMenu};
     // Like reading an integer: "12.5" is 12, text is 0.
     bool ok = false;
-    const double typed = sizes[kind]->currentText().trimmed().toDouble(&ok);
+    const double typed = fontControls(kind).size->currentText().trimmed().toDouble(&ok);
     const int size = ok && typed > 0 && typed < largestFontSize + 1 ? int(typed) : 0;
     if (size > 0 && size != TWPreferences::fontSize(font(kind))) {
         QFont sized = font(kind);

@@ -9,6 +9,7 @@ class TWPreferencePanel;
 class QComboBox;
 class QFontDialog;
 class QLineEdit;
+class QPushButton;
 class TWExBrowserTableModel;
 class TWPreferences;
 
@@ -24,6 +25,7 @@ public:
 
     // The five fonts, in the panel's order.
     enum FontKind { viewerFont, viewerFixedFont, editorFont, templateFont, cssFont };
+    static constexpr FontKind fontKinds[] = {viewerFont, viewerFixedFont, editorFont, templateFont, cssFont};
 
     void runPreferencesPanel();
 
@@ -70,8 +72,17 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    // The name field, size box and chooser button of a font.
+    struct FontControls
+    {
+        QLineEdit *field;
+        QComboBox *size;
+        QPushButton *button;
+    };
+
     TWPreferencesPanelController();
     void awakeFromNib();
+    FontControls fontControls(FontKind kind) const;
     QFont font(FontKind kind) const;
     void setFont(FontKind kind, const QFont &font);
     void applyFont(FontKind kind);
